@@ -10,12 +10,16 @@ function(karvo_add_subdirectories)
   endforeach()
 endfunction()
 
-# karvo_library(NAME <folder sources...> LINKS <targets...>)
-# A static library from every .cpp of the current folder. Its include root is
-# src/, so sources write #include "platform/d3d9/d3d9.h" or "view/Camera.h".
+# karvo_library(NAME LINKS <targets...> PRIVATE_LINKS <targets...> EXCLUDE <files...>)
+# A static library from every .cpp of the current folder but the excluded
+# ones. Its include root is src/, so sources write
+# #include "platform/d3d9/d3d9.h" or "view/Camera.h".
 function(karvo_library name)
-  cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS;EXCLUDE" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(excluded IN LISTS ARG_EXCLUDE)
+    list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${excluded})
+  endforeach()
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
