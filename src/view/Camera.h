@@ -83,6 +83,12 @@ class CCamera {
   CPlayer* GetPlayer() const { return m_player; }
 
  protected:
+  // The common body of the subclasses' SetCameraDetails: copies position,
+  // axes, fov, clips, viewport and volume from camera (null: nothing at all),
+  // levels the axes when levelAfterSpaceCraft and camera is a space craft
+  // camera, and marks everything stale.
+  void TakeOverDetails(const CCamera* camera, bool levelAfterSpaceCraft);
+
   CPlayer* m_player;
   CVolumeInfo m_volume;
   D3DXMATRIX m_viewMatrix;
