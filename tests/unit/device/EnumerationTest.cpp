@@ -1,0 +1,314 @@
+// The enumeration walk against a scripted Direct3D object: what survives at
+// each level, in which order, and how failures travel.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "device/D3DInitialize.h"
+#include "device/MyD3DInit.h"
+#include "support/FakeDirect3D.h"
+
+namespace {
+
+using Fake = FakeDirect3D;
+
+D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return Fake::Mode(w, h, r, f); }
+
+// All options of all devices of all adapters, flattened.
+std::vector<const CD3DOptionRecord*> AllOptions(const CD3DInitialize& init) {
+  std::vector<const CD3DOptionRecord*> options;
+  for (const CD3DAdapterRecord* adapter : init.m_adapters)
+    for (const CD3DDeviceRecord* device : adapter->m_devices)
+      for (const CD3DOptionRecord* option : device->m_options) options.push_back(option);
+  return options;
+}
+
+std::vector<D3DDEVTYPE> DeviceTypes(const CD3DAdapterRecord& adapter) {
+  std::vector<D3DDEVTYPE> types;
+  for (const CD3DDeviceRecord* device : adapter.m_devices) types.push_back(device->m_deviceType);
+  return types;
+}
+
+TEST(Enumeration, NullObjectIsRefusedAndNothingHappens) {
+  CMyD3DInit init;
+  EXPECT_EQ(init.Enumerate(nullptr), E_FAIL);
+  EXPECT_EQ(init.m_d3d, nullptr);
+  EXPECT_EQ(init.GetAdapterCount(), 0u);
+  EXPECT_EQ(init.GetAdapter(0), nullptr);
+}
+
+TEST(Enumeration, HoldsOneReferenceAndDropsItWithTheObject) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  {
+    CMyD3DInit init;
+    ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+    EXPECT_EQ(d3d.References(), 2u);
+    ASSERT_EQ(init.GetAdapterCount(), 1u);
+    EXPECT_NE(init.GetAdapter(0), nullptr);
+    EXPECT_EQ(init.GetAdapter(1), nullptr);
+  }
+  EXPECT_EQ(d3d.References(), 1u);
+}
+
+TEST(Enumeration, NoAdapterOrOnlyUnusableOnesIsStillSuccess) {
+  Fake none;
+  CMyD3DInit empty;
+  EXPECT_EQ(empty.Enumerate(&none), S_OK);
+  EXPECT_EQ(empty.GetAdapterCount(), 0u);
+
+  Fake unusable;
+  unusable.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter()};
+  unusable.adapters[0].modes = {Mode(320, 200, 60, D3DFMT_X8R8G8B8)};  // no mode
+  unusable.adapters[1].devices.clear();                                  // no device
+  CMyD3DInit init;
+  EXPECT_EQ(init.Enumerate(&unusable), S_OK);
+  EXPECT_EQ(init.GetAdapterCount(), 0u);
+}
+
+TEST(Enumeration, AdapterWithoutAUsableModeIsDroppedAndTheNextTried) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter()};
+  d3d.adapters[0].modes = {Mode(639, 480, 60, D3DFMT_X8R8G8B8), Mode(640, 479, 60, D3DFMT_X8R8G8B8),
+                           Mode(800, 600, 59, D3DFMT_X8R8G8B8)};
+  d3d.adapters[1].modes = {Mode(640, 480, 60, D3DFMT_X8R8G8B8), Mode(640, 480, 60, D3DFMT_X8R8G8B8)};
+  CMyD3DInit init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  ASSERT_EQ(init.GetAdapterCount(), 1u);
+  EXPECT_EQ(init.GetAdapter(0)->m_ordinal, 1u);
+  EXPECT_EQ(init.GetAdapter(0)->m_modes.size(), 2u) << "duplicates are kept";
+
+  // The base class refuses no mode.
+  CD3DInitialize base;
+  ASSERT_EQ(base.Enumerate(&d3d), S_OK);
+  ASSERT_EQ(base.GetAdapterCount(), 2u);
+  EXPECT_EQ(base.GetAdapter(0)->m_modes.size(), 3u);
+}
+
+TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(800, 600, 60, D3DFMT_A8R8G8B8),
+                           Mode(1024, 768, 60, D3DFMT_X1R5G5B5), Mode(1024, 768, 60, D3DFMT_X8R8G8B8)};
+  d3d.adapters[0].backBufferFormats = {D3DFMT_R5G6B5};
+  CD3DInitialize init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  const std::vector<D3DDISPLAYMODE>& modes = init.GetAdapter(0)->m_modes;
+  ASSERT_EQ(modes.size(), 3u);
+  EXPECT_EQ(modes[0].Format, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(modes[1].Format, D3DFMT_X1R5G5B5);
+  EXPECT_EQ(modes[2].Format, D3DFMT_R5G6B5);
+  // Adapter formats follow the modes: three formats, one back buffer, two flags.
+  const auto options = AllOptions(init);
+  ASSERT_EQ(options.size(), 6u);
+  EXPECT_EQ(options[0]->m_adapterFormat, D3DFMT_X8R8G8B8);
+  EXPECT_FALSE(options[0]->m_windowed);
+  EXPECT_TRUE(options[1]->m_windowed);
+  EXPECT_EQ(options[2]->m_adapterFormat, D3DFMT_X1R5G5B5);
+  EXPECT_EQ(options[4]->m_adapterFormat, D3DFMT_R5G6B5);
+}
+
+TEST(Enumeration, FailingModeListEndsTheWalkButFailingCapsSkipsOneType) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter(), Fake::GoodAdapter()};
+  d3d.FailOn(Fake::CALL_EnumAdapterModes, D3DERR_NOTAVAILABLE, 1);  // the second adapter's
+  CMyD3DInit init;
+  EXPECT_EQ(init.Enumerate(&d3d), D3DERR_NOTAVAILABLE);
+  EXPECT_EQ(init.GetAdapterCount(), 1u) << "records already made stay";
+  EXPECT_EQ(d3d.Calls(Fake::CALL_GetAdapterIdentifier), 2) << "the third adapter is never tried";
+
+  Fake caps;
+  caps.adapters = {Fake::GoodAdapter()};
+  caps.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
+  caps.FailOn(Fake::CALL_GetDeviceCaps, D3DERR_INVALIDCALL, 0);  // HAL's
+  CMyD3DInit skipped;
+  ASSERT_EQ(skipped.Enumerate(&caps), S_OK);
+  ASSERT_EQ(skipped.GetAdapterCount(), 1u);
+  EXPECT_EQ(DeviceTypes(*skipped.GetAdapter(0)), std::vector<D3DDEVTYPE>{D3DDEVTYPE_REF});
+}
+
+TEST(Enumeration, DeviceTypesInOrderAndRefusedCapsDropOnlyThatType) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
+  d3d.adapters[0].devices[D3DDEVTYPE_SW] = Fake::GoodCaps();
+  CMyD3DInit all;
+  ASSERT_EQ(all.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(DeviceTypes(*all.GetAdapter(0)),
+            (std::vector<D3DDEVTYPE>{D3DDEVTYPE_HAL, D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
+
+  // Each cap the application needs, missing in turn from HAL only.
+  DWORD D3DCAPS9::*const fields[] = {&D3DCAPS9::RasterCaps, &D3DCAPS9::ShadeCaps, &D3DCAPS9::PrimitiveMiscCaps,
+                                     &D3DCAPS9::ZCmpCaps, &D3DCAPS9::TextureOpCaps};
+  for (auto field : fields) {
+    Fake lacking = d3d;
+    lacking.adapters[0].devices[D3DDEVTYPE_HAL].*field = 0;
+    CMyD3DInit init;
+    ASSERT_EQ(init.Enumerate(&lacking), S_OK);
+    ASSERT_EQ(init.GetAdapterCount(), 1u);
+    EXPECT_EQ(DeviceTypes(*init.GetAdapter(0)), (std::vector<D3DDEVTYPE>{D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
+    CD3DInitialize base;  // which looks at no cap
+    ASSERT_EQ(base.Enumerate(&lacking), S_OK);
+    EXPECT_EQ(base.GetAdapter(0)->m_devices.size(), 3u);
+  }
+}
+
+TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerType) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(1024, 768, 60, D3DFMT_R5G6B5)};
+  d3d.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
+  d3d.adapters[0].backBufferFormats = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8,   D3DFMT_R5G6B5,
+                                       D3DFMT_A1R5G5B5, D3DFMT_X1R5G5B5, D3DFMT_R3G3B2,     D3DFMT_A8R3G3B2,
+                                       D3DFMT_X4R4G4B4, D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10, D3DFMT_A8B8G8R8};
+  CMyD3DInit init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  const std::vector<D3DFORMAT> tableOrder = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8, D3DFMT_R5G6B5,
+                                             D3DFMT_A1R5G5B5, D3DFMT_X1R5G5B5, D3DFMT_R3G3B2,   D3DFMT_A8R3G3B2,
+                                             D3DFMT_X4R4G4B4, D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10};
+  for (const CD3DDeviceRecord* device : init.GetAdapter(0)->m_devices) {
+    ASSERT_EQ(device->m_options.size(), 22u) << "A8B8G8R8 is no candidate";
+    for (size_t i = 0; i < device->m_options.size(); ++i) {
+      const CD3DOptionRecord& option = *device->m_options[i];
+      EXPECT_EQ(option.m_adapterFormat, D3DFMT_R5G6B5);
+      EXPECT_EQ(option.m_backBufferFormat, tableOrder[i / 2]);
+      EXPECT_EQ(option.m_windowed, i % 2 == 1) << "full screen first";
+      EXPECT_EQ(option.m_deviceType, device->m_deviceType);
+    }
+  }
+}
+
+TEST(Enumeration, OptionWithoutDepthFormatIsDroppedAndTheNextCombinationTried) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].depthFormats = {D3DFMT_D16};
+  d3d.adapters[0].unmatchedDepth = {{D3DFMT_A8R8G8B8, D3DFMT_D16}};
+  CMyD3DInit init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  const auto options = AllOptions(init);
+  ASSERT_EQ(options.size(), 2u);
+  for (const CD3DOptionRecord* option : options) EXPECT_EQ(option->m_backBufferFormat, D3DFMT_X8R8G8B8);
+
+  // No depth format at all: no option, no device, no adapter.
+  d3d.adapters[0].depthFormats.clear();
+  CMyD3DInit none;
+  ASSERT_EQ(none.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(none.GetAdapterCount(), 0u);
+}
+
+TEST(Enumeration, DepthFormatsInTableOrder) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].depthFormats = {D3DFMT_D15S1, D3DFMT_D16, D3DFMT_D24S8, D3DFMT_D24X8,
+                                  D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
+  CMyD3DInit init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(AllOptions(init)[0]->m_depthFormats,
+            (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8, D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1}));
+}
+
+// Refuses four samples, to show that the quality list follows the types.
+class NoFourSamples : public CD3DInitialize {
+ public:
+  bool ValidateMultiSampleType(const D3DMULTISAMPLE_TYPE& type) override { return type != D3DMULTISAMPLE_4_SAMPLES; }
+};
+
+TEST(Enumeration, QualityListRunsAlongsideTheTypeList) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].multiSample = {{D3DMULTISAMPLE_NONE, 1},
+                                 {D3DMULTISAMPLE_2_SAMPLES, 4},
+                                 {D3DMULTISAMPLE_4_SAMPLES, 3},
+                                 {D3DMULTISAMPLE_16_SAMPLES, 2}};
+  NoFourSamples init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  for (const CD3DOptionRecord* option : AllOptions(init)) {
+    EXPECT_EQ(option->m_multiSampleTypes, (std::vector<D3DMULTISAMPLE_TYPE>{
+                                              D3DMULTISAMPLE_NONE, D3DMULTISAMPLE_2_SAMPLES, D3DMULTISAMPLE_16_SAMPLES}));
+    EXPECT_EQ(option->m_multiSampleQualities, (std::vector<std::uint32_t>{1, 4, 2}));
+  }
+
+  // No multisample type at all drops the option.
+  d3d.adapters[0].multiSample.clear();
+  CD3DInitialize none;
+  ASSERT_EQ(none.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(none.GetAdapterCount(), 0u);
+}
+
+TEST(Enumeration, VertexProcessingFromMostToLeastHardwareAndNeverMixedForTheApplication) {
+  struct Case {
+    D3DCAPS9 caps;
+    std::vector<VERTEXPROCESSING_TYPE> base, application;
+  };
+  const Case cases[] = {
+      {Fake::GoodCaps(true, true), {PURE_HARDWARE_VP, HARDWARE_VP, MIXED_VP, SOFTWARE_VP},
+       {PURE_HARDWARE_VP, HARDWARE_VP, SOFTWARE_VP}},
+      {Fake::GoodCaps(true, false), {HARDWARE_VP, MIXED_VP, SOFTWARE_VP}, {HARDWARE_VP, SOFTWARE_VP}},
+      // A pure device without hardware transform is no hardware device at all.
+      {Fake::GoodCaps(false, true), {SOFTWARE_VP}, {SOFTWARE_VP}},
+  };
+  for (const Case& c : cases) {
+    Fake d3d;
+    d3d.adapters = {Fake::GoodAdapter()};
+    d3d.adapters[0].devices[D3DDEVTYPE_HAL] = c.caps;
+    CD3DInitialize base;
+    CMyD3DInit application;
+    ASSERT_EQ(base.Enumerate(&d3d), S_OK);
+    ASSERT_EQ(application.Enumerate(&d3d), S_OK);
+    for (const CD3DOptionRecord* option : AllOptions(base)) EXPECT_EQ(option->m_vertexProcessingTypes, c.base);
+    for (const CD3DOptionRecord* option : AllOptions(application))
+      EXPECT_EQ(option->m_vertexProcessingTypes, c.application);
+  }
+}
+
+TEST(Enumeration, PresentIntervalsFollowCapsAndWindowsStopAtOne) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  d3d.adapters[0].backBufferFormats = {D3DFMT_X8R8G8B8};
+  CMyD3DInit init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  auto options = AllOptions(init);
+  ASSERT_EQ(options.size(), 2u);
+  EXPECT_EQ(options[0]->m_presentIntervals,
+            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT,
+                                        D3DPRESENT_INTERVAL_ONE, D3DPRESENT_INTERVAL_TWO, D3DPRESENT_INTERVAL_THREE,
+                                        D3DPRESENT_INTERVAL_FOUR}));
+  EXPECT_EQ(options[1]->m_presentIntervals,
+            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT,
+                                        D3DPRESENT_INTERVAL_ONE}));
+
+  // A device that lists no interval still has DEFAULT.
+  d3d.adapters[0].devices[D3DDEVTYPE_HAL].PresentationIntervals = D3DPRESENT_INTERVAL_TWO;
+  CMyD3DInit bare;
+  ASSERT_EQ(bare.Enumerate(&d3d), S_OK);
+  options = AllOptions(bare);
+  ASSERT_EQ(options.size(), 2u);
+  EXPECT_EQ(options[0]->m_presentIntervals,
+            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_TWO}));
+  EXPECT_EQ(options[1]->m_presentIntervals, std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT});
+}
+
+// Refuses every windowed option and every present interval: the hooks reach
+// the walk, and DEFAULT is never asked about.
+class FullScreenOnly : public CMyD3DInit {
+ public:
+  bool ValidateDeviceOption(const D3DFORMAT&, bool windowed) override { return !windowed; }
+  bool ValidatePresentInterval(const std::uint32_t&) override { return false; }
+};
+
+TEST(Enumeration, OptionAndIntervalHooksRefuseCandidates) {
+  Fake d3d;
+  d3d.adapters = {Fake::GoodAdapter()};
+  FullScreenOnly init;
+  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+  const auto options = AllOptions(init);
+  ASSERT_EQ(options.size(), 2u);
+  for (const CD3DOptionRecord* option : options) {
+    EXPECT_FALSE(option->m_windowed);
+    EXPECT_EQ(option->m_presentIntervals, std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT});
+    EXPECT_EQ(option->m_adapterOrdinal, 0u);
+    EXPECT_EQ(option->m_caps.ZCmpCaps, D3DPCMPCAPS_LESSEQUAL) << "a copy of the device's caps";
+  }
+}
+
+}  // namespace
