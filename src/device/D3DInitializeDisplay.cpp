@@ -13,7 +13,7 @@ constexpr DWORD s_fullscreenStyle = WS_VISIBLE | WS_POPUP;
 // Full screen: no menu, a bare popup covering the display mode.
 void RestyleForFullScreen(HWND hWnd, const D3DDISPLAYMODE& mode) {
   SetMenu(hWnd, nullptr);
-  SetWindowLongA(hWnd, GWL_STYLE, static_cast<LONG>(s_fullscreenStyle));
+  SetWindowLongA(hWnd, GWL_STYLE, static_cast<LONG_PTR>(s_fullscreenStyle));
   SetWindowPos(hWnd, nullptr, 0, 0, static_cast<int>(mode.Width), static_cast<int>(mode.Height), SWP_NOZORDER);
 }
 
@@ -59,7 +59,7 @@ HRESULT CD3DInitialize::CreateDisplay(const CD3DSettings& settings, std::uint32_
       // Back from full screen: keep where the window is now.
       RECT rect{};
       GetWindowRect(m_hWnd, &rect);
-      SetWindowLongA(m_hWnd, GWL_STYLE, static_cast<LONG>(s_windowedStyle));
+      SetWindowLongA(m_hWnd, GWL_STYLE, static_cast<LONG_PTR>(s_windowedStyle));
       SetWindowPos(m_hWnd, HWND_NOTOPMOST, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
                    SWP_SHOWWINDOW | SWP_NOACTIVATE);
     }
@@ -107,7 +107,7 @@ HRESULT CD3DInitialize::ResetDisplay(IDirect3DDevice9* device, const CD3DSetting
     } else {
       // The old rectangle is gone after full screen; a small window at a
       // fixed place is where a reset into a window lands.
-      SetWindowLongA(hWnd, GWL_STYLE, static_cast<LONG>(s_windowedStyle));
+      SetWindowLongA(hWnd, GWL_STYLE, static_cast<LONG_PTR>(s_windowedStyle));
       SetWindowPos(hWnd, HWND_NOTOPMOST, 50, 50, 400, 400, SWP_SHOWWINDOW | SWP_NOACTIVATE);
     }
   }
