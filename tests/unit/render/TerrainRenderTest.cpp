@@ -1,0 +1,166 @@
+// CTerrain::Render against a recording device: the two texture layers in one
+// pass or two, the per-block frustum test in both passes, and the state the
+// second pass leaves behind.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include "support/RecordingDevice.h"
+#include "terrain/Mesh.h"
+#include "terrain/Terrain.h"
+#include "terrain/Vertex.h"
+#include "view/Player.h"
+
+using karvo_test::DeviceCall;
+using karvo_test::Ptr;
+using karvo_test::RecordingDevice;
+
+namespace {
+
+// A CTerrain in zero-filled storage, as it lives inside g_App, with three
+// blocks: two in front of the camera and one behind it.
+class TerrainRender : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    storage_ = std::calloc(1, sizeof(CTerrain));
+    terrain = new (storage_) CTerrain();
+    terrain->SetDevice(&device, true);
+    ASSERT_EQ(terrain->AddBlockMeshes(3), 0);
+    AddBlock(0, 0.0f, 200.0f);     // ahead
+    AddBlock(1, 0.0f, -400.0f);    // behind
+    AddBlock(2, 300.0f, 1200.0f);  // ahead, further
+    terrain->m_blockPrimitiveCount = 2697;
+    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED, &terrain->m_baseTexture, nullptr), 0);
+    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED, &terrain->m_detailTexture, nullptr),
+              0);
+
+    ASSERT_TRUE(player.SetCameraMode(CAM_MODE_1ST_PERSON));
+    player.SetPosition(D3DXVECTOR3(50.0f, 100.0f, 0.0f));
+    camera = player.GetCamera();
+    camera->SetViewport(0, 0, 640, 480, 1.01f, 5000.0f, nullptr);
+    device.ClearLog();
+  }
+  void TearDown() override {
+    terrain->~CTerrain();
+    std::free(storage_);
+  }
+
+  // A block of two corner vertices whose box spans x0..x0+100, y 0..50, z0..z0+100.
+  void AddBlock(std::uint32_t index, float x0, float z0) {
+    CMesh* mesh = terrain->m_blockMeshes[index];
+    mesh->SetVertexFormat(CTerrainVertex::FVF, sizeof(CTerrainVertex));
+    ASSERT_EQ(mesh->AddVertices(2), 0);
+    auto* vertices = reinterpret_cast<CTerrainVertex*>(mesh->m_vertices);
+    vertices[0] = CTerrainVertex(x0, 0.0f, z0, 0.0f, 0.0f);
+    vertices[1] = CTerrainVertex(x0 + 100.0f, 50.0f, z0 + 100.0f, 0.0f, 0.0f);
+    ASSERT_EQ(mesh->AddIndices(2), 0);
+    mesh->m_indices[0] = 0;
+    mesh->m_indices[1] = 1;
+    ASSERT_GE(mesh->BuildBuffers(&device, true, true), 0);
+  }
+
+  std::vector<DeviceCall> BlockDraw(std::uint32_t index) const {
+    const CMesh* mesh = terrain->m_blockMeshes[index];
+    return {{"SetStreamSource", {0, Ptr(mesh->m_vertexBuffer), 0, 28}},
+            {"SetIndices", {Ptr(mesh->m_indexBuffer)}},
+            {"DrawIndexedPrimitive", {double(D3DPT_TRIANGLESTRIP), 0, 0, 1369, 0, 2697}}};
+  }
+  static void Append(std::vector<DeviceCall>& to, const std::vector<DeviceCall>& calls) {
+    to.insert(to.end(), calls.begin(), calls.end());
+  }
+  // The ground's calls; whatever the scene draws after them is not looked at.
+  std::vector<DeviceCall> FirstCalls(std::size_t count) const {
+    const auto& calls = device.Calls();
+    return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(std::min(count, calls.size()))};
+  }
+
+  RecordingDevice device;
+  CPlayer player;  // owns the camera, which turns about the player
+  CCamera* camera = nullptr;
+  CTerrain* terrain = nullptr;
+
+ private:
+  void* storage_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(TerrainRender, SinglePassDrawsVisibleBlocksOnceWithBothTextures) {
+  terrain->SetSinglePass(true);
+  terrain->Render(camera);
+  std::vector<DeviceCall> expected = {
+      {"SetTexture", {0, Ptr(terrain->m_baseTexture)}},
+      {"SetTexture", {1, Ptr(terrain->m_detailTexture)}},
+      {"SetFVF", {0x202}},
+  };
+  Append(expected, BlockDraw(0));
+  Append(expected, BlockDraw(2));
+  EXPECT_EQ(FirstCalls(expected.size()), expected);
+  EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 2u);
+  EXPECT_EQ(device.Count("SetTextureStageState"), 0u);  // stage set-up belongs to the render states
+}
+
+TEST_F(TerrainRender, MultiPassBlendsTheDetailOverTheSameBlocks) {
+  terrain->SetSinglePass(false);
+  terrain->Render(camera);
+  std::vector<DeviceCall> expected = {
+      {"SetTexture", {0, Ptr(terrain->m_baseTexture)}},
+      {"SetFVF", {0x202}},
+  };
+  Append(expected, BlockDraw(0));
+  Append(expected, BlockDraw(2));
+  Append(expected, {
+                       {"SetTexture", {0, Ptr(terrain->m_detailTexture)}},
+                       {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 1}},
+                       {"SetRenderState", {double(D3DRS_SRCBLEND), double(D3DBLEND_DESTCOLOR)}},
+                       {"SetRenderState", {double(D3DRS_DESTBLEND), double(D3DBLEND_SRCCOLOR)}},
+                       {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), TRUE}},
+                   });
+  Append(expected, BlockDraw(0));
+  Append(expected, BlockDraw(2));
+  Append(expected, {
+                       {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 0}},
+                       {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), FALSE}},
+                   });
+  EXPECT_EQ(FirstCalls(expected.size()), expected);
+}
+
+TEST_F(TerrainRender, NothingVisibleOrNothingBuiltDrawsNothing) {
+  // Looking straight back sees only the middle block.
+  player.Rotate(0.0f, 180.0f, 0.0f);
+  terrain->SetSinglePass(false);
+  terrain->Render(camera);
+  const auto draws = device.CallsNamed("SetStreamSource");
+  ASSERT_EQ(draws.size(), 2u);  // once a pass
+  EXPECT_EQ(draws[0].args[1], Ptr(terrain->m_blockMeshes[1]->m_vertexBuffer));
+
+  // Looking up into the sky sees none; the second pass still cleans up.
+  player.Rotate(0.0f, 180.0f, 0.0f);
+  player.Rotate(-89.0f, 0.0f, 0.0f);
+  device.ClearLog();
+  terrain->Render(camera);
+  EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 0u);
+  EXPECT_EQ(device.RenderState(D3DRS_ALPHABLENDENABLE), DWORD(FALSE));
+  EXPECT_EQ(device.StageState(0, D3DTSS_TEXCOORDINDEX), 0u);
+
+  // No camera means no test: every block draws.
+  device.ClearLog();
+  terrain->SetSinglePass(true);
+  terrain->Render(nullptr);
+  EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 3u);
+}
+
+TEST_F(TerrainRender, WithoutBlocksOrDeviceNothingIsDrawn) {
+  terrain->ReleaseTerrain();  // drops the blocks and the device
+  device.ClearLog();
+  terrain->Render(camera);
+  EXPECT_TRUE(device.Calls().empty());
+
+  terrain->SetDevice(&device, true);
+  device.ClearLog();
+  terrain->Render(camera);
+  EXPECT_EQ(device.Count("SetFVF"), 0u);
+  EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 0u);
+}
