@@ -139,6 +139,7 @@ const char* CaptureUsage() {
          "  --anisotropy N       1 2 4 8 16 32 64\n"
          "  --step SECONDS       fixed clock step per frame (default 1/60)\n"
          "  --out DIR            folder for the files (default .)\n"
+         "  --assets DIR         the assets folder to run in (default: the working directory)\n"
          "  --prefix NAME        file names NAME_0001.png ... (default frame)\n";
 }
 
@@ -201,6 +202,9 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
     } else if (arg == "--out") {
       ok = !value.empty();
       options.outDir = value;
+    } else if (arg == "--assets") {
+      ok = !value.empty();
+      options.assetsDir = value;
     } else if (arg == "--prefix") {
       ok = !value.empty() && value.find('/') == std::string::npos;
       options.prefix = value;

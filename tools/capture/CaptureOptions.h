@@ -20,6 +20,7 @@ struct CaptureOptions {
   std::vector<Hold> holds;
   std::vector<std::uint32_t> commands;  // menu commands, sent in this order before frame 1
   std::string outDir = ".";
+  std::string assetsDir;  // folder to run in; empty: the working directory
   std::string prefix = "frame";
   double step = 1.0 / 60.0;  // seconds the fixed clock advances per frame
   bool help = false;

@@ -1,0 +1,173 @@
+// karvo-capture: runs the real program (WinMain, the same code as the
+// game) with the scripted win32 back end: keys held by frame, menu commands
+// before the first frame, a fixed clock. After each frame that was asked for
+// it reads the back buffer and writes it as a PNG file.
+//
+// The program reads its assets from the working directory, so the tool runs
+// inside the assets folder (or is given --assets). Without a display it
+// starts itself again under xvfb-run; without a sound card it uses SDL's
+// dummy audio driver.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <stb/stb_image_write.h>
+
+#include "CaptureOptions.h"
+#include "app/GameApp.h"
+#include "platform/d3d9/D3D9GLBackend.h"
+#include "platform/win32/Win32Script.h"
+#include "platform/win32/windows.h"
+
+namespace {
+
+// The sounds load while g_App is constructed, before main runs: the audio
+// driver has to be chosen even earlier. A user's own choice stands.
+__attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRIVER", "dummy", 0); }
+
+// Starts the tool again under a virtual X server when there is no display.
+// Returns only when that is not possible or not needed.
+void ReExecUnderXvfb(int argc, char** argv) {
+  const char* display = std::getenv("DISPLAY");
+  const char* wayland = std::getenv("WAYLAND_DISPLAY");
+  if ((display && *display) || (wayland && *wayland) || std::getenv("KARVO_CAPTURE_XVFB")) return;
+  setenv("KARVO_CAPTURE_XVFB", "1", 1);
+  std::string self = "/proc/self/exe";
+  std::error_code error;
+  const std::filesystem::path resolved = std::filesystem::read_symlink(self, error);
+  if (!error) self = resolved.string();
+  std::vector<char*> args = {const_cast<char*>("xvfb-run"), const_cast<char*>("-a"), const_cast<char*>("-s"),
+                             const_cast<char*>("-screen 0 1600x1000x24"), self.data()};
+  for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
+  args.push_back(nullptr);
+  execvp("xvfb-run", args.data());
+  std::fprintf(stderr, "karvo-capture: no display, and xvfb-run could not be started\n");
+}
+
+struct CaptureRun {
+  const CaptureOptions* options = nullptr;
+  std::filesystem::path outDir;
+  std::size_t next = 0;  // index into options->frames of the next frame to write
+  int written = 0;
+  int failed = 0;
+};
+CaptureRun s_run;
+
+// Writes the back buffer as it stands: the frame just presented.
+void WriteFrame(std::uint32_t frame) {
+  std::vector<std::uint8_t> rgba;
+  UINT width = 0;
+  UINT height = 0;
+  if (g_App.m_device == nullptr || !d3d9gl::ReadBackBufferRGBA(g_App.m_device, rgba, width, height) ||
+      width == 0 || height == 0) {
+    std::fprintf(stderr, "karvo-capture: frame %u: no back buffer to read\n", frame);
+    ++s_run.failed;
+    return;
+  }
+  // The back buffer's alpha means nothing on screen; the file is opaque.
+  for (std::size_t i = 3; i < rgba.size(); i += 4) rgba[i] = 0xFF;
+  char name[64];
+  std::snprintf(name, sizeof(name), "_%04u.png", frame);
+  const std::filesystem::path path = s_run.outDir / (s_run.options->prefix + name);
+  if (!stbi_write_png(path.c_str(), static_cast<int>(width), static_cast<int>(height), 4, rgba.data(),
+                      static_cast<int>(width) * 4)) {
+    std::fprintf(stderr, "karvo-capture: cannot write %s\n", path.c_str());
+    ++s_run.failed;
+    return;
+  }
+  std::printf("%s %ux%u\n", path.c_str(), width, height);
+  ++s_run.written;
+}
+
+// Script frame k is about to run, so frame k (counting the first drawn frame
+// as 1) has just been presented.
+void OnFrameBoundary(std::uint32_t scriptFrame) {
+  const std::vector<std::uint32_t>& frames = s_run.options->frames;
+  while (s_run.next < frames.size() && frames[s_run.next] < scriptFrame) ++s_run.next;
+  if (s_run.next < frames.size() && frames[s_run.next] == scriptFrame) {
+    WriteFrame(scriptFrame);
+    ++s_run.next;
+  }
+}
+
+// Turns the held ranges into key transitions of the script. Frame f of the
+// options is script frame f - 1; a key that is down in frame f goes down
+// before it runs.
+void ScheduleKeys(const CaptureOptions& options) {
+  std::vector<BYTE> keys;
+  for (const CaptureOptions::Hold& hold : options.holds) {
+    bool known = false;
+    for (BYTE key : keys) known = known || key == hold.virtualKey;
+    if (!known) keys.push_back(hold.virtualKey);
+  }
+  for (BYTE key : keys) {
+    bool down = false;
+    for (std::uint32_t frame = 1; frame <= options.LastFrame(); ++frame) {
+      const bool held = options.IsHeld(key, frame);
+      if (held && !down) win32::script::KeyDown(frame - 1, key);
+      if (!held && down) win32::script::KeyUp(frame - 1, key);
+      down = held;
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CaptureOptions options;
+  std::string error;
+  if (!ParseCaptureOptions(argc, argv, options, error)) {
+    std::fprintf(stderr, "karvo-capture: %s\n%s", error.c_str(), CaptureUsage());
+    return 2;
+  }
+  if (options.help) {
+    std::fputs(CaptureUsage(), stdout);
+    return 0;
+  }
+  ReExecUnderXvfb(argc, argv);
+
+  std::error_code fsError;
+  const std::filesystem::path outDir = std::filesystem::absolute(options.outDir, fsError);
+  if (fsError || (std::filesystem::create_directories(outDir, fsError), fsError)) {
+    std::fprintf(stderr, "karvo-capture: cannot make %s\n", options.outDir.c_str());
+    return 2;
+  }
+  if (!options.assetsDir.empty()) {
+    std::filesystem::current_path(options.assetsDir, fsError);
+    if (fsError) {
+      std::fprintf(stderr, "karvo-capture: cannot enter %s\n", options.assetsDir.c_str());
+      return 2;
+    }
+  }
+  if (!std::filesystem::exists("Data/HeightMap.raw")) {
+    std::fprintf(stderr, "karvo-capture: no Data/HeightMap.raw here; run inside the assets folder or give --assets\n");
+    return 2;
+  }
+
+  s_run.options = &options;
+  s_run.outDir = outDir;
+
+  win32::script::Options script;
+  script.fixedStep = options.step;
+  script.realWindows = true;
+  script.maxFrames = options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
+  win32::script::Enable(script);
+  for (std::uint32_t command : options.commands) win32::script::Command(0, command);
+  ScheduleKeys(options);
+  win32::script::SetFrameCallback(OnFrameBoundary);
+
+  const int exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
+  win32::script::SetFrameCallback(nullptr);
+
+  const int missing = static_cast<int>(options.frames.size()) - s_run.written;
+  if (missing > 0) {
+    std::fprintf(stderr, "karvo-capture: %d of %zu frames not written (program exit code %d)\n", missing,
+                 options.frames.size(), exitCode);
+    return 1;
+  }
+  return exitCode;
+}
