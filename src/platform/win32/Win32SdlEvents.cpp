@@ -1,0 +1,219 @@
+// The SDL back end: real input and the machine's clock. SDL events become
+// window messages (one row per event kind in Translate), keys and buttons
+// update the key table, and the counter is the monotonic clock in
+// nanoseconds.
+#include <SDL.h>
+
+#include <chrono>
+
+#include "platform/win32/Win32State.h"
+
+namespace win32::detail {
+
+namespace {
+
+Window* WindowOfEvent(Uint32 windowId) {
+  if (windowId != 0) {
+    if (Window* window = FromHandle(win32::WindowOf(SDL_GetWindowFromID(windowId)))) return window;
+  }
+  return TargetWindow();
+}
+
+HWND HandleOrNull(Window* window) { return window ? HandleOf(window) : nullptr; }
+
+void WindowEvent(const SDL_WindowEvent& event) {
+  Window* window = FromHandle(win32::WindowOf(SDL_GetWindowFromID(event.windowID)));
+  if (!window || window->destroying) return;
+  RECT& rect = window->rect;
+  switch (event.event) {
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+      rect.right = rect.left + event.data1;
+      rect.bottom = rect.top + event.data2;
+      PostSizeIfChanged(*window);
+      break;
+    case SDL_WINDOWEVENT_MOVED: {
+      const LONG width = rect.right - rect.left;
+      const LONG height = rect.bottom - rect.top;
+      rect = {event.data1, event.data2, event.data1 + width, event.data2 + height};
+      break;
+    }
+    case SDL_WINDOWEVENT_MINIMIZED:
+      window->minimized = true;
+      PostSizeIfChanged(*window);
+      break;
+    case SDL_WINDOWEVENT_MAXIMIZED:
+      window->minimized = false;
+      window->maximized = true;
+      PostSizeIfChanged(*window);
+      break;
+    case SDL_WINDOWEVENT_RESTORED:
+      window->minimized = false;
+      window->maximized = false;
+      PostSizeIfChanged(*window);
+      break;
+    case SDL_WINDOWEVENT_FOCUS_GAINED:
+      window->focused = true;
+      break;
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+      // Keys released while another window has the focus never reach us.
+      window->focused = false;
+      ClearKeys();
+      break;
+    case SDL_WINDOWEVENT_CLOSE:
+      Post(HandleOf(window), WM_CLOSE, 0, 0);
+      break;
+    default:
+      break;
+  }
+}
+
+// Modifier keys report their generic code in messages, their sided code in
+// the table.
+BYTE MessageKey(BYTE vk) {
+  switch (vk) {
+    case VK_LSHIFT:
+    case VK_RSHIFT:
+      return VK_SHIFT;
+    case VK_LCONTROL:
+    case VK_RCONTROL:
+      return VK_CONTROL;
+    case VK_LMENU:
+    case VK_RMENU:
+      return VK_MENU;
+    default:
+      return vk;
+  }
+}
+
+void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
+  const BYTE vk = VirtualKeyOfSdl(event.keysym.sym, event.keysym.scancode);
+  if (vk == 0) return;
+  const bool down = event.type == SDL_KEYDOWN;
+  if (down && taken) return;  // the overlay has the keyboard
+  const BYTE* keys = GetState().keys;
+  const bool wasDown = (keys[vk] & 0x80) != 0;
+  SetKeyHeld(vk, down);
+  if (taken) return;
+  const bool alt = (keys[VK_MENU] & 0x80) != 0;
+  const BYTE messageKey = MessageKey(vk);
+  UINT message = down ? WM_KEYDOWN : WM_KEYUP;
+  if (alt || messageKey == VK_MENU || messageKey == VK_F10) message = down ? WM_SYSKEYDOWN : WM_SYSKEYUP;
+  Post(HandleOrNull(WindowOfEvent(event.windowID)), message, messageKey,
+       KeyMessageLParam(down, wasDown, 0, IsExtendedKey(vk)));
+}
+
+void ButtonEvent(const SDL_MouseButtonEvent& event, bool taken) {
+  BYTE vk = 0;
+  UINT downMessage = 0;
+  switch (event.button) {
+    case SDL_BUTTON_LEFT:
+      vk = VK_LBUTTON;
+      downMessage = WM_LBUTTONDOWN;
+      break;
+    case SDL_BUTTON_RIGHT:
+      vk = VK_RBUTTON;
+      downMessage = WM_RBUTTONDOWN;
+      break;
+    case SDL_BUTTON_MIDDLE:
+      vk = VK_MBUTTON;
+      downMessage = WM_MBUTTONDOWN;
+      break;
+    default:
+      return;
+  }
+  const bool down = event.type == SDL_MOUSEBUTTONDOWN;
+  if (down && taken) return;
+  SetKeyHeld(vk, down);
+  if (taken) return;
+  Window* window = WindowOfEvent(event.windowID);
+  const int y = event.y - win32::MenuBarHeight(HandleOrNull(window));
+  // Each up message follows its down message by one.
+  Post(HandleOrNull(window), down ? downMessage : downMessage + 1, MouseKeyFlags(),
+       MAKELPARAM(event.x, y));
+}
+
+void Translate(const SDL_Event& event) {
+  State& state = GetState();
+  const bool taken = state.hook && event.type != SDL_WINDOWEVENT && event.type != SDL_QUIT &&
+                     state.hook(event, state.hookUser);
+  switch (event.type) {
+    case SDL_WINDOWEVENT:
+      WindowEvent(event.window);
+      break;
+    case SDL_KEYDOWN:
+    case SDL_KEYUP:
+      KeyEvent(event.key, taken);
+      break;
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP:
+      ButtonEvent(event.button, taken);
+      break;
+    case SDL_MOUSEMOTION:
+      if (!taken) {
+        Window* window = WindowOfEvent(event.motion.windowID);
+        const int y = event.motion.y - win32::MenuBarHeight(HandleOrNull(window));
+        Post(HandleOrNull(window), WM_MOUSEMOVE, MouseKeyFlags(), MAKELPARAM(event.motion.x, y));
+      }
+      break;
+    case SDL_QUIT:
+      // The last window was closed, or the process was asked to end
+      // (SIGINT, SIGTERM): the same road as the close box.
+      if (Window* window = TargetWindow()) Post(HandleOf(window), WM_CLOSE, 0, 0);
+      break;
+    default:
+      break;
+  }
+}
+
+class SdlBackEnd final : public Source {
+ public:
+  void Pump() override {
+    if (!SDL_WasInit(SDL_INIT_EVENTS)) return;
+    SDL_Event event;
+    while (SDL_PollEvent(&event)) Translate(event);
+  }
+
+  void FrameBoundary() override {}
+
+  LONGLONG Counter() override {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+  }
+
+  POINT Cursor() override {
+    if (SDL_WasInit(SDL_INIT_VIDEO)) {
+      int x = 0;
+      int y = 0;
+      SDL_GetGlobalMouseState(&x, &y);
+      m_cursor = {x, y};
+    }
+    return m_cursor;
+  }
+
+  void SetCursorPosition(int x, int y) override {
+    m_cursor = {x, y};
+    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_WarpMouseGlobal(x, y);
+  }
+
+  bool RealWindows() override { return true; }
+
+  void CaptureMouse(bool on) override {
+    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_CaptureMouse(on ? SDL_TRUE : SDL_FALSE);
+  }
+
+  void ShowCursor(bool shown) override {
+    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_ShowCursor(shown ? SDL_ENABLE : SDL_DISABLE);
+  }
+
+ private:
+  POINT m_cursor = {0, 0};
+};
+
+}  // namespace
+
+Source& SdlSource() {
+  static SdlBackEnd source;
+  return source;
+}
+
+}  // namespace win32::detail
