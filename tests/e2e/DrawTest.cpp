@@ -1,0 +1,229 @@
+// Whole-program pixel tests of the drawing: the real program runs headless
+// through karvo-capture on the generated world, and its frames are read back
+// from PNG files.
+//
+// Most runs use a marked copy of the assets: the ground's base image is pure
+// red and its detail image flat mid-grey (which both colour operations of the
+// default passes turn into "no change"), and the six sky images are one flat
+// dark blue. A pixel's colour then tells what it shows: ground, sky, the
+// clear colour (a gap), or something else (the body box).
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <stb/stb_image.h>
+#include <stb/stb_image_write.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Rgb {
+  int r, g, b;
+};
+
+struct Image {
+  int width = 0;
+  int height = 0;
+  std::vector<unsigned char> rgb;
+  Rgb At(int x, int y) const {
+    const unsigned char* p = &rgb[(static_cast<std::size_t>(y) * width + x) * 3];
+    return {p[0], p[1], p[2]};
+  }
+};
+
+// What a pixel of a marked frame shows.
+enum class Kind { Ground, Sky, Clear, Other };
+
+constexpr Rgb kSky = {0, 0, 160};
+constexpr Rgb kClear = {0x79, 0xD3, 0xFF};
+
+bool Near(Rgb a, Rgb b, int tolerance) {
+  return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
+}
+
+Kind Classify(Rgb p) {
+  if (p.r > 200 && p.g < 50 && p.b < 50) return Kind::Ground;
+  if (Near(p, kSky, 24)) return Kind::Sky;
+  if (Near(p, kClear, 3)) return Kind::Clear;
+  return Kind::Other;
+}
+
+// Share of the pixels of the rows [top, bottom) (fractions of the height)
+// that are of kind.
+double Share(const Image& image, Kind kind, double top = 0.0, double bottom = 1.0, double left = 0.0,
+             double right = 1.0) {
+  const int y0 = static_cast<int>(top * image.height), y1 = static_cast<int>(bottom * image.height);
+  const int x0 = static_cast<int>(left * image.width), x1 = static_cast<int>(right * image.width);
+  long count = 0, total = 0;
+  for (int y = y0; y < y1; ++y) {
+    for (int x = x0; x < x1; ++x) {
+      count += Classify(image.At(x, y)) == kind;
+      ++total;
+    }
+  }
+  return total ? static_cast<double>(count) / static_cast<double>(total) : 0.0;
+}
+
+// Mean absolute difference per channel over the rows [top, bottom).
+double MeanDifference(const Image& a, const Image& b, double top, double bottom) {
+  if (a.width != b.width || a.height != b.height) return 1e9;
+  const int y0 = static_cast<int>(top * a.height), y1 = static_cast<int>(bottom * a.height);
+  double sum = 0.0;
+  long count = 0;
+  for (int y = y0; y < y1; ++y) {
+    for (int x = 0; x < a.width; ++x) {
+      const Rgb p = a.At(x, y), q = b.At(x, y);
+      sum += std::abs(p.r - q.r) + std::abs(p.g - q.g) + std::abs(p.b - q.b);
+      count += 3;
+    }
+  }
+  return count ? sum / static_cast<double>(count) : 0.0;
+}
+
+fs::path WorkDir() {
+  static const fs::path dir = [] {
+    fs::path d = fs::temp_directory_path() / ("karvo-draw-test-" + std::to_string(::getpid()));
+    fs::create_directories(d);
+    return d;
+  }();
+  return dir;
+}
+
+void WriteFlatJpg(const fs::path& path, Rgb colour) {
+  std::vector<unsigned char> pixels(64 * 64 * 3);
+  for (std::size_t i = 0; i < pixels.size(); i += 3) {
+    pixels[i] = static_cast<unsigned char>(colour.r);
+    pixels[i + 1] = static_cast<unsigned char>(colour.g);
+    pixels[i + 2] = static_cast<unsigned char>(colour.b);
+  }
+  fs::remove(path);
+  ASSERT_TRUE(stbi_write_jpg(path.c_str(), 64, 64, 3, pixels.data(), 100)) << path;
+}
+
+// A copy of the generated assets made of links, with some images replaced.
+fs::path AssetVariant(const std::string& name, bool markGroundAndSky) {
+  const fs::path source = fs::current_path();  // the test runs in the assets folder
+  const fs::path target = WorkDir() / name;
+  if (fs::exists(target)) return target;
+  fs::create_directories(target / "Data");
+  for (const char* folder : {"music", "speech"}) {
+    if (fs::exists(source / folder)) fs::create_directory_symlink(source / folder, target / folder);
+  }
+  for (const auto& entry : fs::directory_iterator(source / "Data")) {
+    fs::create_symlink(entry.path(), target / "Data" / entry.path().filename());
+  }
+  WriteFlatJpg(target / "Data" / "Detail_Texture.jpg", {128, 128, 128});
+  if (markGroundAndSky) {
+    WriteFlatJpg(target / "Data" / "Base_Texture_BigPoint.jpg", {255, 0, 0});
+    for (const char* face : {"Front", "Back", "Left", "Right", "Top", "Bottom"}) {
+      WriteFlatJpg(target / "Data" / (std::string("SkyBox_") + face + ".jpg"), kSky);
+    }
+  }
+  return target;
+}
+
+fs::path MarkedAssets() { return AssetVariant("marked", true); }
+fs::path FlatDetailAssets() { return AssetVariant("flat-detail", false); }
+
+// Runs the capture tool in assets with the arguments and reads back frame.
+Image Capture(const fs::path& assets, const std::string& name, const std::string& args, int frame) {
+  const fs::path out = WorkDir() / "frames";
+  fs::create_directories(out);
+  const std::string command = "cd '" + assets.string() + "' && '" KARVO_CAPTURE "' --frames " +
+                              std::to_string(frame) + " " + args + " --out '" + out.string() + "' --prefix " + name +
+                              " > /dev/null";
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(status, 0) << command;
+  char file[64];
+  std::snprintf(file, sizeof(file), "_%04d.png", frame);
+  const fs::path path = out / (name + file);
+  Image image;
+  int channels = 0;
+  unsigned char* pixels = stbi_load(path.c_str(), &image.width, &image.height, &channels, 3);
+  EXPECT_NE(pixels, nullptr) << path;
+  if (pixels) {
+    image.rgb.assign(pixels, pixels + static_cast<std::size_t>(image.width) * image.height * 3);
+    stbi_image_free(pixels);
+  }
+  return image;
+}
+
+// The frames and asset copies go at the end, unless KARVO_KEEP_FRAMES is set
+// (to look at them after a failure).
+class DrawWorkDirCleanup : public ::testing::Environment {
+ public:
+  void TearDown() override {
+    if (!std::getenv("KARVO_KEEP_FRAMES")) {
+      std::error_code error;
+      fs::remove_all(WorkDir(), error);
+    }
+  }
+};
+const auto* const s_cleanup = ::testing::AddGlobalTestEnvironment(new DrawWorkDirCleanup);
+
+}  // namespace
+
+TEST(Draw, StartViewShowsSkyAboveAndGroundBelowWithNoGaps) {
+  const Image image = Capture(MarkedAssets(), "start", "", 1);
+  ASSERT_GT(image.width, 0);
+  // The first look is 25 degrees down: ground in the lower part, sky above it.
+  EXPECT_GT(Share(image, Kind::Ground, 0.75, 1.0), 0.95);
+  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.95);
+  // The clear colour must never show: the sky box closes round the eye.
+  EXPECT_EQ(Share(image, Kind::Clear), 0.0);
+
+  // The real images give the same picture with texture in it.
+  const Image real = Capture(fs::current_path(), "start-real", "", 1);
+  EXPECT_EQ(Share(real, Kind::Clear), 0.0);
+  EXPECT_GT(MeanDifference(real, image, 0.75, 1.0), 10.0);
+}
+
+TEST(Draw, WireframeShowsLines) {
+  const Image image = Capture(MarkedAssets(), "wire", "--wireframe", 1);
+  ASSERT_GT(image.width, 0);
+  // Between the lines the clear colour shows, in the sky as on the ground.
+  EXPECT_GT(Share(image, Kind::Clear, 0.0, 0.1), 0.5);
+  EXPECT_GT(Share(image, Kind::Clear, 0.75, 1.0), 0.2);
+  const double ground = Share(image, Kind::Ground, 0.75, 1.0);
+  EXPECT_GT(ground, 0.02);
+  EXPECT_LT(ground, 0.8);
+}
+
+TEST(Draw, SingleAndMultiPassBothDrawTheDetail) {
+  // With a flat mid-grey detail both passes leave the base image as it is.
+  const Image singleFlat = Capture(FlatDetailAssets(), "single-flat", "", 1);
+  const Image multiFlat = Capture(FlatDetailAssets(), "multi-flat", "--multipass", 1);
+  EXPECT_LT(MeanDifference(singleFlat, multiFlat, 0.6, 1.0), 3.0);
+
+  // The real detail changes the ground in both modes.
+  const Image single = Capture(fs::current_path(), "single", "", 1);
+  const Image multi = Capture(fs::current_path(), "multi", "--multipass", 1);
+  EXPECT_GT(MeanDifference(single, singleFlat, 0.6, 1.0), 4.0);
+  EXPECT_GT(MeanDifference(multi, multiFlat, 0.6, 1.0), 4.0);
+}
+
+TEST(Draw, ThirdPersonShowsTheColouredBodyBox) {
+  // The camera trails the body: give it time to settle behind it.
+  const Image third = Capture(MarkedAssets(), "third", "--camera third", 60);
+  ASSERT_GT(third.width, 0);
+  // Neither ground nor sky nor gap: the box's corner colours, in the middle.
+  EXPECT_GT(Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7), 0.01);
+  EXPECT_EQ(Share(third, Kind::Clear), 0.0);
+
+  const Image first = Capture(MarkedAssets(), "first", "", 60);
+  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7), Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
+}
+
+TEST(Draw, LookingUpShowsNoGround) {
+  // Q pitches up half a degree a frame, to the limit of 89 degrees.
+  const Image image = Capture(MarkedAssets(), "up", "--hold q:1-240", 240);
+  ASSERT_GT(image.width, 0);
+  EXPECT_EQ(Share(image, Kind::Ground), 0.0);
+  EXPECT_GT(Share(image, Kind::Sky), 0.95);
+}
