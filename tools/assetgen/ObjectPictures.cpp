@@ -249,40 +249,75 @@ Canvas DrawBellflower()
 // ---------------------------------------------------------------- wing
 
 // One feathered wing: the hinge along the bottom row (v = 1), the tip at the
-// top (v = 0), the leading edge at the left (u = 0), the trailing edge right.
+// top (v = 0), the leading edge at the left (u = 0, the front), the trailing
+// edge at the right.
 Canvas DrawWing()
 {
     constexpr int n = 256;
     Canvas c(n, n);
-    const Color feather = Color::Bytes(236, 236, 232);
-    const Color featherShade = Color::Bytes(184, 188, 196);
-    const Color tipDark = Color::Bytes(52, 52, 60);
-    // Flight feathers, from the hinge to the tip; those near the tip are the
-    // long dark-tipped primaries, fanned back toward the tip.
-    constexpr int feathers = 22;
+    const Color feather = Color::Bytes(238, 238, 234);
+    const Color featherShade = Color::Bytes(178, 182, 192);
+    const Color tipDark = Color::Bytes(54, 54, 62);
+
+    // Leading and trailing edges, from the hinge (s = 0) to the tip (s = 1).
+    auto leading = [](float s, float& x, float& y) {
+        x = Lerp(14.0f, 92.0f, s) - 18.0f * std::sin(kPi * s);
+        y = Lerp(255.0f, 6.0f, s);
+    };
+    auto trailing = [](float s, float& x, float& y) {
+        x = Lerp(242.0f, 100.0f, s * s);
+        y = Lerp(255.0f, 6.0f, std::pow(s, 0.8f));
+    };
+
+    // The flight feathers, hinge first so that the outer ones overlap.
+    constexpr int feathers = 26;
     for (int i = 0; i < feathers; ++i) {
-        const float s = static_cast<float>(i) / (feathers - 1); // 0 hinge, 1 tip
-        const float rootY = Lerp(250, 30, s);
-        const float rootX = Lerp(40, 70, s);
-        const float length = Lerp(190, 150, s);
-        const float angle = Lerp(0.05f, -0.75f, s * s); // radians, negative points to the tip
-        const float endX = rootX + length * std::cos(angle);
-        const float endY = rootY + length * std::sin(angle);
-        const float dark = SmoothStep(0.55f, 0.95f, s);
-        c.CapsuleShaded(rootX, rootY, endX, endY, 9, 6, [=](float x, float y) {
-            const float along = Clamp01(((x - rootX) * (endX - rootX) + (y - rootY) * (endY - rootY)) / (length * length));
-            Color col = Mix(feather, featherShade, 0.5f * along);
-            return Mix(col, tipDark, dark * SmoothStep(0.55f, 0.85f, along));
+        const float s = static_cast<float>(i) / (feathers - 1);
+        float lx, ly, tx, ty;
+        leading(s, lx, ly);
+        trailing(s, tx, ty);
+        const float rootX = Lerp(lx, tx, 0.3f), rootY = Lerp(ly, ty, 0.3f);
+        // Primaries near the tip point outwards, toward the tip.
+        const float endX = tx + 6.0f, endY = ty - 10.0f * s;
+        const float dark = SmoothStep(0.45f, 0.9f, s);
+        const float width = Lerp(11.0f, 6.0f, s);
+        c.CapsuleShaded(rootX, rootY, endX, endY, width, width * 0.7f, [=](float x, float y) {
+            const float len2 = (endX - rootX) * (endX - rootX) + (endY - rootY) * (endY - rootY);
+            const float along = Clamp01(((x - rootX) * (endX - rootX) + (y - rootY) * (endY - rootY)) / len2);
+            // Each feather darkens toward its rim, so neighbours stand apart.
+            const float rim = SmoothStep(-3.0f, 0.0f, SdSegment(x, y, rootX, rootY, endX, endY, width, width * 0.7f));
+            const Color col = Mix(feather, featherShade, 0.45f * along + 0.4f * rim);
+            return Mix(col, tipDark, dark * SmoothStep(0.45f, 0.8f, along));
         });
     }
-    // Coverts over the roots of the feathers, along the leading edge.
-    std::vector<float> coverts = {6, 256, 20, 170, 44, 80, 70, 14, 92, 18, 100, 70, 118, 150, 150, 256};
+    // Coverts: the smooth front part of the wing over the feathers' roots.
+    std::vector<float> coverts;
+    constexpr int steps = 16;
+    for (int i = 0; i <= steps; ++i) {
+        float x, y;
+        leading(static_cast<float>(i) / steps, x, y);
+        coverts.insert(coverts.end(), {x, y});
+    }
+    for (int i = steps; i >= 0; --i) {
+        const float s = static_cast<float>(i) / steps;
+        float lx, ly, tx, ty;
+        leading(s, lx, ly);
+        trailing(s, tx, ty);
+        coverts.insert(coverts.end(), {Lerp(lx, tx, 0.42f), Lerp(ly, ty, 0.42f)});
+    }
+    coverts.insert(coverts.end(), {14.0f, 256.0f});
     c.Polygon(coverts, [&](float x, float y) {
-        return Mix(feather, featherShade, 0.3f * SmoothStep(20, 140, x)).Scaled(1.0f + 0.04f * Speckle(x, y, 7));
+        return Mix(feather, featherShade, 0.25f * SmoothStep(40, 140, x)).Scaled(1.0f + 0.03f * Speckle(x, y, 7));
     });
-    // A grey line of the leading edge.
-    c.Capsule(6, 256, 44, 80, 3, 2, featherShade);
-    c.Capsule(44, 80, 70, 14, 2, 1.5f, featherShade);
+    // The root along the hinge, closing the wing against the body.
+    c.Capsule(14, 253, 240, 253, 4, 4, featherShade);
+    // The bony front edge.
+    for (int i = 0; i < steps; ++i) {
+        float x0, y0, x1, y1;
+        leading(static_cast<float>(i) / steps, x0, y0);
+        leading(static_cast<float>(i + 1) / steps, x1, y1);
+        c.Capsule(x0, y0, x1, y1, 3.0f - 1.5f * i / steps, 3.0f - 1.5f * (i + 1) / steps, featherShade);
+    }
     return c;
 }
 
