@@ -49,7 +49,8 @@ HRESULT D3DXCreateTextureFromFileA(IDirect3DDevice9* pDevice, const char* pSrcFi
 // Format D3DFMT_UNKNOWN: X8R8G8B8, or A8R8G8B8 when the file has alpha or a
 // colour key is given. ColorKey 0 means none; otherwise a texel whose 32-bit
 // ARGB equals it exactly (a file without alpha reads as alpha 0xFF) becomes
-// 0x00000000. pSrcInfo may be null; pPalette must be null (no palettes).
+// 0x00000000. pSrcInfo may be null; pPalette is never written (no
+// palettized formats are made).
 // A missing, unreadable or corrupt file gives D3DXERR_INVALIDDATA.
 HRESULT D3DXCreateTextureFromFileExA(IDirect3DDevice9* pDevice, const char* pSrcFile, UINT Width,
                                      UINT Height, UINT MipLevels, DWORD Usage, D3DFORMAT Format,

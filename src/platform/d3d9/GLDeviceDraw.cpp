@@ -1,0 +1,428 @@
+// Draw-time translation: recorded state becomes a program, GL fixed state,
+// samplers and bindings, each sent only when it differs from what GL has.
+// DrawPrimitiveUP calls are merged: consecutive calls with equal state share
+// one GL draw from a streaming buffer, their stage-0 textures spread over
+// several units and chosen per vertex, so the order of the calls is kept.
+#include <cstring>
+
+#include "platform/d3d9/GLDevice.h"
+
+namespace d3d9gl {
+
+namespace {
+
+// Vertices of one merged draw at most (keeps a flush's upload bounded).
+constexpr std::uint32_t kBatchVertexLimit = 1u << 16;
+constexpr std::size_t kStreamBufferBytes = std::size_t(4) << 20;
+// More primitives than this in one call is a caller error, not a draw.
+constexpr UINT kMaxPrimitives = 1u << 22;
+
+UINT VerticesFor(D3DPRIMITIVETYPE type, UINT count) {
+  switch (type) {
+    case D3DPT_POINTLIST: return count;
+    case D3DPT_LINELIST: return count * 2;
+    case D3DPT_LINESTRIP: return count + 1;
+    case D3DPT_TRIANGLELIST: return count * 3;
+    case D3DPT_TRIANGLESTRIP:
+    case D3DPT_TRIANGLEFAN: return count + 2;
+  }
+  return 0;
+}
+
+GLenum ModeOf(D3DPRIMITIVETYPE type) {
+  switch (type) {
+    case D3DPT_POINTLIST: return GL_POINTS;
+    case D3DPT_LINELIST: return GL_LINES;
+    case D3DPT_LINESTRIP: return GL_LINE_STRIP;
+    case D3DPT_TRIANGLELIST: return GL_TRIANGLES;
+    case D3DPT_TRIANGLESTRIP: return GL_TRIANGLE_STRIP;
+    case D3DPT_TRIANGLEFAN: return GL_TRIANGLE_FAN;
+  }
+  return GL_TRIANGLES;
+}
+
+GLenum BlendFactor(DWORD b) {
+  switch (b) {
+    case D3DBLEND_ZERO: return GL_ZERO;
+    case D3DBLEND_ONE: return GL_ONE;
+    case D3DBLEND_SRCCOLOR: return GL_SRC_COLOR;
+    case D3DBLEND_INVSRCCOLOR: return GL_ONE_MINUS_SRC_COLOR;
+    case D3DBLEND_SRCALPHA: return GL_SRC_ALPHA;
+    case D3DBLEND_INVSRCALPHA: return GL_ONE_MINUS_SRC_ALPHA;
+    case D3DBLEND_DESTALPHA: return GL_DST_ALPHA;
+    case D3DBLEND_INVDESTALPHA: return GL_ONE_MINUS_DST_ALPHA;
+    case D3DBLEND_DESTCOLOR: return GL_DST_COLOR;
+    case D3DBLEND_INVDESTCOLOR: return GL_ONE_MINUS_DST_COLOR;
+    default: return GL_ONE;
+  }
+}
+
+GLenum DepthFunc(DWORD f) {
+  switch (f) {
+    case D3DCMP_NEVER: return GL_NEVER;
+    case D3DCMP_LESS: return GL_LESS;
+    case D3DCMP_EQUAL: return GL_EQUAL;
+    case D3DCMP_LESSEQUAL: return GL_LEQUAL;
+    case D3DCMP_GREATER: return GL_GREATER;
+    case D3DCMP_NOTEQUAL: return GL_NOTEQUAL;
+    case D3DCMP_GREATEREQUAL: return GL_GEQUAL;
+    default: return GL_ALWAYS;
+  }
+}
+
+GLint AddressMode(DWORD a) {
+  switch (a) {
+    case D3DTADDRESS_CLAMP: return GL_CLAMP_TO_EDGE;
+    case D3DTADDRESS_MIRROR: return GL_MIRRORED_REPEAT;
+    default: return GL_REPEAT;
+  }
+}
+
+void Multiply(const D3DMATRIX& a, const D3DMATRIX& b, D3DMATRIX& out) {
+  D3DMATRIX r{};
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 4; ++j)
+      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] + a.m[i][3] * b.m[3][j];
+  out = r;
+}
+
+}  // namespace
+
+GLDevice::Layout GLDevice::LayoutOf(DWORD fvf) {
+  Layout l;
+  DWORD position = fvf & D3DFVF_POSITION_MASK;
+  if (position == D3DFVF_XYZ)
+    l.size = 12;
+  else if (position == D3DFVF_XYZRHW)
+    l.size = 16, l.rhw = true;
+  else
+    return l;
+  // Only position, diffuse and 2D texture sets are part of this layer.
+  if (fvf & ~DWORD(D3DFVF_POSITION_MASK | D3DFVF_DIFFUSE | D3DFVF_TEXCOUNT_MASK)) return l;
+  if (fvf & D3DFVF_DIFFUSE) {
+    l.hasColor = true;
+    l.color = l.size;
+    l.size += 4;
+  }
+  l.texSets = (fvf & D3DFVF_TEXCOUNT_MASK) >> D3DFVF_TEXCOUNT_SHIFT;
+  if (l.texSets > 8) return l;
+  l.tex0 = l.size;
+  l.tex1 = l.size + 8;
+  l.size += 8 * l.texSets;
+  l.valid = true;
+  return l;
+}
+
+void GLDevice::BindTexture(GLuint unit, GLuint name) {
+  if (boundTextures_[unit] == name) return;
+  glActiveTexture(GL_TEXTURE0 + unit);
+  glBindTexture(GL_TEXTURE_2D, name);
+  boundTextures_[unit] = name;
+}
+
+void GLDevice::ForgetTexture(GLuint name) {
+  for (GLuint& b : boundTextures_)
+    if (b == name) b = 0;  // GL unbinds a deleted texture from every unit
+}
+
+void GLDevice::ApplySampler(int stage, GLuint unitFirst, GLuint unitCount) {
+  GLuint s = samplers_[stage];
+  if (samplerDirty_[stage]) {
+    const DWORD* st = ss_[stage];
+    DWORD minF = st[D3DSAMP_MINFILTER], magF = st[D3DSAMP_MAGFILTER], mipF = st[D3DSAMP_MIPFILTER];
+    bool minLinear = minF == D3DTEXF_LINEAR || minF == D3DTEXF_ANISOTROPIC;
+    GLint glMin;
+    if (mipF == D3DTEXF_POINT)
+      glMin = minLinear ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
+    else if (mipF == D3DTEXF_LINEAR || mipF == D3DTEXF_ANISOTROPIC)
+      glMin = minLinear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_LINEAR;
+    else
+      glMin = minLinear ? GL_LINEAR : GL_NEAREST;  // D3DTEXF_NONE: the top level only
+    glSamplerParameteri(s, GL_TEXTURE_MIN_FILTER, glMin);
+    glSamplerParameteri(s, GL_TEXTURE_MAG_FILTER,
+                        magF == D3DTEXF_LINEAR || magF == D3DTEXF_ANISOTROPIC ? GL_LINEAR : GL_NEAREST);
+    glSamplerParameteri(s, GL_TEXTURE_WRAP_S, AddressMode(st[D3DSAMP_ADDRESSU]));
+    glSamplerParameteri(s, GL_TEXTURE_WRAP_T, AddressMode(st[D3DSAMP_ADDRESSV]));
+    if (Limits().anisotropic) {
+      float a = 1.0f;
+      if (minF == D3DTEXF_ANISOTROPIC || magF == D3DTEXF_ANISOTROPIC) {
+        a = float(st[D3DSAMP_MAXANISOTROPY]);
+        if (a < 1.0f) a = 1.0f;
+        if (a > Limits().maxAnisotropy) a = Limits().maxAnisotropy;
+      }
+      glSamplerParameterf(s, GL_TEXTURE_MAX_ANISOTROPY, a);
+    }
+    samplerDirty_[stage] = false;
+  }
+  for (GLuint u = unitFirst; u < unitFirst + unitCount; ++u) {
+    if (boundSamplers_[u] != s) {
+      glBindSampler(u, s);
+      boundSamplers_[u] = s;
+    }
+  }
+}
+
+void GLDevice::ApplyFixedState() {
+  auto set = [](int& cached, int value, auto apply) {
+    if (cached != value) {
+      apply(value);
+      cached = value;
+    }
+  };
+  auto enable = [](GLenum cap) { return [cap](int on) { on ? glEnable(cap) : glDisable(cap); }; };
+  set(gl_.blend, rs_[D3DRS_ALPHABLENDENABLE] != 0, enable(GL_BLEND));
+  if (gl_.srcBlend != int(rs_[D3DRS_SRCBLEND]) || gl_.dstBlend != int(rs_[D3DRS_DESTBLEND])) {
+    glBlendFunc(BlendFactor(rs_[D3DRS_SRCBLEND]), BlendFactor(rs_[D3DRS_DESTBLEND]));
+    gl_.srcBlend = int(rs_[D3DRS_SRCBLEND]);
+    gl_.dstBlend = int(rs_[D3DRS_DESTBLEND]);
+  }
+  set(gl_.depthTest, rs_[D3DRS_ZENABLE] != D3DZB_FALSE && depthRb_ != 0, enable(GL_DEPTH_TEST));
+  set(gl_.depthMask, rs_[D3DRS_ZWRITEENABLE] != 0, [](int on) { glDepthMask(on ? GL_TRUE : GL_FALSE); });
+  set(gl_.depthFunc, int(rs_[D3DRS_ZFUNC]), [](int f) { glDepthFunc(DepthFunc(DWORD(f))); });
+  // Front faces are clockwise on screen (glFrontFace(GL_CW) at start-up):
+  // D3DCULL_CCW culls the back, D3DCULL_CW the front.
+  set(gl_.cull, int(rs_[D3DRS_CULLMODE]), [](int c) {
+    if (c == D3DCULL_CW || c == D3DCULL_CCW) {
+      glEnable(GL_CULL_FACE);
+      glCullFace(c == D3DCULL_CCW ? GL_BACK : GL_FRONT);
+    } else {
+      glDisable(GL_CULL_FACE);
+    }
+  });
+  set(gl_.fill, int(rs_[D3DRS_FILLMODE]), [](int f) {
+    glPolygonMode(GL_FRONT_AND_BACK, f == D3DFILL_WIREFRAME ? GL_LINE : f == D3DFILL_POINT ? GL_POINT : GL_FILL);
+  });
+  set(gl_.dither, rs_[D3DRS_DITHERENABLE] != 0, enable(GL_DITHER));
+  fixedDirty_ = false;
+}
+
+bool GLDevice::PrepareDraw(bool slotted, bool stage0HasTexture) {
+  StageState stages[kShaderStages];
+  for (int i = 0; i < kShaderStages; ++i) {
+    const DWORD* t = tss_[i];
+    stages[i] = StageState{t[D3DTSS_COLOROP],   t[D3DTSS_COLORARG1], t[D3DTSS_COLORARG2],     t[D3DTSS_ALPHAOP],
+                           t[D3DTSS_ALPHAARG1], t[D3DTSS_ALPHAARG2], t[D3DTSS_TEXCOORDINDEX], textures_[i] != nullptr};
+  }
+  stages[0].hasTexture = stage0HasTexture;
+  ShaderKey key = MakeShaderKey(stages, fvf_, slotted, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT);
+  ShaderProgram* prog = shaders_.Get(key);
+  if (prog == nullptr) return false;
+  if (currentProgram_ != prog->program) {
+    glUseProgram(prog->program);
+    currentProgram_ = prog->program;
+  }
+  if (prog->wvpSerial != wvpSerial_) {
+    D3DMATRIX wv, wvp;
+    Multiply(world_, view_, wv);
+    Multiply(wv, proj_, wvp);
+    // Row-major data read as column-major is the transpose: see the shader.
+    glUniformMatrix4fv(prog->wvp, 1, GL_FALSE, &wvp.m[0][0]);
+    prog->wvpSerial = wvpSerial_;
+  }
+  if (prog->viewportSerial != viewportSerial_) {
+    glUniform4f(prog->viewport, float(viewport_.X), float(viewport_.Y), float(viewport_.Width),
+                float(viewport_.Height));
+    prog->viewportSerial = viewportSerial_;
+  }
+  if (fixedDirty_) ApplyFixedState();
+  if (viewportDirty_) {
+    // The platform counts Y from the top, GL from the bottom.
+    glViewport(GLint(viewport_.X), GLint(bbHeight_ - viewport_.Y - viewport_.Height), GLsizei(viewport_.Width),
+               GLsizei(viewport_.Height));
+    glDepthRange(viewport_.MinZ, viewport_.MaxZ);
+    viewportDirty_ = false;
+  }
+  if (key.stages[0].hasTexture) {
+    ApplySampler(0, 0, key.slotted ? kBatchTextures : 1);
+    if (!key.slotted) BindTexture(0, static_cast<GLTexture*>(textures_[0])->name());
+  }
+  if (key.stages[1].hasTexture) {
+    ApplySampler(1, kStage1Unit, 1);
+    BindTexture(kStage1Unit, static_cast<GLTexture*>(textures_[1])->name());
+  }
+  return true;
+}
+
+void GLDevice::BindVertexLayout(GLuint buffer, const Layout& l, UINT stride, std::size_t offset, bool slotted) {
+  glBindBuffer(GL_ARRAY_BUFFER, buffer);
+  auto at = [offset](UINT o) { return reinterpret_cast<const void*>(offset + o); };
+  glVertexAttribPointer(kAttrPosition, l.rhw ? 4 : 3, GL_FLOAT, GL_FALSE, GLsizei(stride), at(0));
+  if (l.hasColor) {
+    glEnableVertexAttribArray(kAttrColor);
+    // D3DCOLOR words are bytes B, G, R, A in memory.
+    glVertexAttribPointer(kAttrColor, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, GLsizei(stride), at(l.color));
+  } else {
+    glDisableVertexAttribArray(kAttrColor);  // the constant opaque white
+  }
+  for (UINT i = 0; i < 2; ++i) {
+    GLuint loc = i == 0 ? kAttrTex0 : kAttrTex1;
+    if (i < l.texSets) {
+      glEnableVertexAttribArray(loc);
+      glVertexAttribPointer(loc, 2, GL_FLOAT, GL_FALSE, GLsizei(stride), at(i == 0 ? l.tex0 : l.tex1));
+    } else {
+      glDisableVertexAttribArray(loc);
+    }
+  }
+  if (!slotted) glDisableVertexAttribArray(kAttrSlot);
+}
+
+std::size_t GLDevice::StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity, GLenum target,
+                                  const void* data, std::size_t bytes, std::size_t align) {
+  if (target == GL_ELEMENT_ARRAY_BUFFER) currentElementBuffer_ = buffer;
+  glBindBuffer(target, buffer);
+  offset = (offset + align - 1) / align * align;
+  if (offset + bytes > capacity) {
+    // Orphan the old storage: draws still reading it keep it, we write anew.
+    capacity = std::max(capacity, std::max(kStreamBufferBytes, bytes * 2));
+    glBufferData(target, GLsizeiptr(capacity), nullptr, GL_STREAM_DRAW);
+    offset = 0;
+  }
+  glBufferSubData(target, GLintptr(offset), GLsizeiptr(bytes), data);
+  std::size_t at = offset;
+  offset += bytes;
+  return at;
+}
+
+void GLDevice::FlushBatch() {
+  if (batch_.vertexCount == 0) return;
+  Batch& b = batch_;
+  Layout layout = LayoutOf(b.fvf);
+  if (core_->MakeCurrent() && PrepareDraw(true, b.stage0HasTexture)) {
+    for (int i = 0; i < b.textureCount; ++i) BindTexture(GLuint(i), static_cast<GLTexture*>(b.textures[i])->name());
+    std::size_t vOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.vertices.data(),
+                                   b.vertices.size(), 16);
+    std::size_t sOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.slots.data(),
+                                   b.slots.size(), 4);
+    std::size_t iOff = StreamWrite(streamIb_, streamIbOffset_, streamIbCapacity_, GL_ELEMENT_ARRAY_BUFFER,
+                                   b.indices.data(), b.indices.size() * 4, 4);
+    BindVertexLayout(streamVb_, layout, b.stride, vOff, true);
+    glEnableVertexAttribArray(kAttrSlot);
+    glVertexAttribIPointer(kAttrSlot, 1, GL_UNSIGNED_BYTE, 1, reinterpret_cast<const void*>(sOff));
+    glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_INT, reinterpret_cast<const void*>(iOff));
+    ++stats_.glDrawCalls;
+  }
+  for (int i = 0; i < b.textureCount; ++i) {
+    b.textures[i]->Release();
+    b.textures[i] = nullptr;
+  }
+  b.textureCount = 0;
+  b.vertexCount = 0;
+  b.vertices.clear();
+  b.slots.clear();
+  b.indices.clear();
+}
+
+void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
+  Layout layout = LayoutOf(fvf_);
+  if (!PrepareDraw(false, textures_[0] != nullptr)) return;
+  UINT n = VerticesFor(type, primCount);
+  std::size_t off = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, data,
+                                std::size_t(n) * stride, 16);
+  BindVertexLayout(streamVb_, layout, stride, off, false);
+  glDrawArrays(ModeOf(type), 0, GLsizei(n));
+  ++stats_.glDrawCalls;
+}
+
+HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
+  Layout layout = LayoutOf(fvf_);
+  UINT n = VerticesFor(type, primCount);
+  if (data == nullptr || primCount == 0 || primCount > kMaxPrimitives || n == 0 || !layout.valid ||
+      stride < layout.size)
+    return D3DERR_INVALIDCALL;
+  // The platform leaves stream 0 unset after a UP draw.
+  if (stream_) {
+    stream_->Release();
+    stream_ = nullptr;
+    streamOffset_ = streamStride_ = 0;
+  }
+  if (lost_ || !core_->MakeCurrent()) return D3D_OK;
+  if (type != D3DPT_TRIANGLELIST && type != D3DPT_TRIANGLESTRIP && type != D3DPT_TRIANGLEFAN) {
+    FlushBatch();
+    DrawUnbatched(type, primCount, data, stride);
+    return D3D_OK;
+  }
+  Batch& b = batch_;
+  if (b.vertexCount && (b.fvf != fvf_ || b.stride != stride || b.vertexCount + n > kBatchVertexLimit)) FlushBatch();
+  IDirect3DBaseTexture9* tex = textures_[0];
+  std::uint8_t slot = 0;
+  if (tex) {
+    int found = -1;
+    for (int i = 0; i < b.textureCount; ++i)
+      if (b.textures[i] == tex) found = i;
+    if (found < 0) {
+      if (b.textureCount == kBatchTextures) FlushBatch();
+      found = b.textureCount++;
+      b.textures[found] = tex;
+      tex->AddRef();
+    }
+    slot = std::uint8_t(found);
+  }
+  if (b.vertexCount == 0) {
+    b.fvf = fvf_;
+    b.stride = stride;
+    b.stage0HasTexture = tex != nullptr;
+  }
+  const auto* bytes = static_cast<const std::uint8_t*>(data);
+  b.vertices.insert(b.vertices.end(), bytes, bytes + std::size_t(n) * stride);
+  b.slots.insert(b.slots.end(), n, slot);
+  std::uint32_t base = b.vertexCount;
+  for (UINT i = 0; i < primCount; ++i) {
+    std::uint32_t t[3];
+    if (type == D3DPT_TRIANGLELIST) {
+      t[0] = 3 * i, t[1] = 3 * i + 1, t[2] = 3 * i + 2;
+    } else if (type == D3DPT_TRIANGLEFAN) {
+      t[0] = 0, t[1] = i + 1, t[2] = i + 2;
+    } else if (i % 2 == 0) {
+      t[0] = i, t[1] = i + 1, t[2] = i + 2;
+    } else {  // odd strip triangles swap their first two to keep the winding
+      t[0] = i + 1, t[1] = i, t[2] = i + 2;
+    }
+    for (std::uint32_t v : t) b.indices.push_back(base + v);
+  }
+  b.vertexCount += n;
+  return D3D_OK;
+}
+
+HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT minIndex, UINT numVertices,
+                                       UINT startIndex, UINT primCount) {
+  (void)minIndex;
+  (void)numVertices;  // hints only: the real range is checked below
+  Layout layout = LayoutOf(fvf_);
+  UINT n = VerticesFor(type, primCount);
+  if (stream_ == nullptr || indices_ == nullptr || !layout.valid || primCount == 0 || primCount > kMaxPrimitives ||
+      streamStride_ < layout.size)
+    return D3DERR_INVALIDCALL;
+  UINT indexSize = indices_->format() == D3DFMT_INDEX32 ? 4 : 2;
+  if ((std::size_t(startIndex) + n) * indexSize > indices_->length()) return D3DERR_INVALIDCALL;
+  // Every index must name a vertex of the buffer: GL would read past it.
+  const std::uint8_t* ib = indices_->bytes().data() + std::size_t(startIndex) * indexSize;
+  std::uint32_t lo = 0xFFFFFFFFu, hi = 0;
+  for (UINT i = 0; i < n; ++i) {
+    std::uint32_t v;
+    if (indexSize == 2) {
+      std::uint16_t s;
+      std::memcpy(&s, ib + 2 * i, 2);
+      v = s;
+    } else {
+      std::memcpy(&v, ib + 4 * i, 4);
+    }
+    lo = v < lo ? v : lo;
+    hi = v > hi ? v : hi;
+  }
+  std::int64_t vertices = std::int64_t(stream_->length() - std::min(streamOffset_, stream_->length())) / streamStride_;
+  if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices) return D3DERR_INVALIDCALL;
+  if (lost_ || !core_->MakeCurrent()) return D3D_OK;
+  FlushBatch();
+  if (!PrepareDraw(false, textures_[0] != nullptr)) return D3D_OK;
+  BindVertexLayout(stream_->name(), layout, streamStride_, streamOffset_, false);
+  if (currentElementBuffer_ != indices_->name()) {
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_->name());
+    currentElementBuffer_ = indices_->name();
+  }
+  glDrawElementsBaseVertex(ModeOf(type), GLsizei(n), indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
+                           reinterpret_cast<const void*>(std::size_t(startIndex) * indexSize), baseVertex);
+  ++stats_.glDrawCalls;
+  return D3D_OK;
+}
+
+}  // namespace d3d9gl

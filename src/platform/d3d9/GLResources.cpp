@@ -1,0 +1,184 @@
+// Textures and buffers of the GL back end.
+#include "platform/d3d9/GLResources.h"
+
+#include <cstring>
+
+#include "platform/d3d9/GLDevice.h"
+
+namespace d3d9gl {
+
+// ---- GLTexture ----------------------------------------------------------------
+
+GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT levels, DWORD usage,
+                     const TextureFormat& format, D3DPOOL pool)
+    : core_(std::move(core)), format_(format), usage_(usage), pool_(pool) {
+  if (pool_ == D3DPOOL_DEFAULT) ++core_->defaultPoolResources;
+  if (!core_->MakeCurrent()) return;
+  while (glGetError() != GL_NO_ERROR) {
+  }
+  glGenTextures(1, &name_);
+  glActiveTexture(kUploadTextureUnit);
+  glBindTexture(GL_TEXTURE_2D, name_);
+  UINT w = width, h = height;
+  for (UINT i = 0; i < levels; ++i) {
+    Level l{w, h, LevelPitch(format, w), LevelRows(format, h), {}};
+    l.data.assign(std::size_t(l.pitch) * l.rows, 0);
+    if (format.compressed)
+      glCompressedTexImage2D(GL_TEXTURE_2D, GLint(i), format.internalFormat, GLsizei(w), GLsizei(h), 0,
+                             GLsizei(l.data.size()), l.data.data());
+    else
+      glTexImage2D(GL_TEXTURE_2D, GLint(i), GLint(format.internalFormat), GLsizei(w), GLsizei(h), 0,
+                   format.dataFormat, format.dataType, nullptr);
+    levels_.push_back(std::move(l));
+    w = w > 1 ? w / 2 : 1;
+    h = h > 1 ? h / 2 : 1;
+  }
+  // Without this a texture with fewer levels than a full chain is incomplete
+  // under a mip filter and samples black.
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, GLint(levels) - 1);
+  if (format.opaque) glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, GL_ONE);
+  if (!format.compressed) {
+    // Zero texels, as the platform's new textures read.
+    for (UINT i = 0; i < levels; ++i) Upload(i);
+  }
+  if (glGetError() != GL_NO_ERROR) {
+    Log(LogLevel::Error, "GLTexture::GLTexture", "GL refused a %ux%u texture of %u levels", width, height, levels);
+    glDeleteTextures(1, &name_);
+    name_ = 0;
+  }
+}
+
+GLTexture::~GLTexture() {
+  if (pool_ == D3DPOOL_DEFAULT) --core_->defaultPoolResources;
+  if (name_ && core_->MakeCurrent()) {
+    if (core_->owner) core_->owner->ForgetTexture(name_);
+    glDeleteTextures(1, &name_);
+  }
+}
+
+ULONG GLTexture::AddRef() { return ++refs_; }
+
+ULONG GLTexture::Release() {
+  ULONG left = --refs_;
+  if (left == 0) delete this;
+  return left;
+}
+
+DWORD GLTexture::GetLevelCount() { return DWORD(levels_.size()); }
+
+HRESULT GLTexture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {
+  if (desc == nullptr || level >= levels_.size()) return D3DERR_INVALIDCALL;
+  *desc = D3DSURFACE_DESC{format_.format,      D3DRTYPE_SURFACE,      usage_,
+                          pool_,               D3DMULTISAMPLE_NONE,   0,
+                          levels_[level].width, levels_[level].height};
+  return D3D_OK;
+}
+
+HRESULT GLTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
+  if (locked == nullptr || level >= levels_.size() || levels_[level].locked) return D3DERR_INVALIDCALL;
+  Level& l = levels_[level];
+  std::size_t offset = 0;
+  if (rect != nullptr) {
+    UINT block = format_.compressed ? 4 : 1;
+    if (rect->left < 0 || rect->top < 0 || rect->right <= rect->left || rect->bottom <= rect->top ||
+        UINT(rect->right) > l.width || UINT(rect->bottom) > l.height || rect->left % block || rect->top % block)
+      return D3DERR_INVALIDCALL;
+    UINT bytes = format_.compressed ? format_.bytesPerTexel : format_.bytesPerTexel;
+    offset = std::size_t(rect->top / block) * l.pitch + std::size_t(rect->left / block) * bytes;
+  }
+  l.locked = true;
+  l.readOnly = (flags & D3DLOCK_READONLY) != 0;
+  locked->Pitch = INT(l.pitch);
+  locked->pBits = l.data.data() + offset;
+  return D3D_OK;
+}
+
+HRESULT GLTexture::UnlockRect(UINT level) {
+  if (level >= levels_.size() || !levels_[level].locked) return D3DERR_INVALIDCALL;
+  levels_[level].locked = false;
+  if (!levels_[level].readOnly && name_ && core_->MakeCurrent()) {
+    // Merged draws waiting with this texture must see its old texels.
+    if (core_->owner) core_->owner->FlushBatch();
+    glActiveTexture(kUploadTextureUnit);
+    glBindTexture(GL_TEXTURE_2D, name_);
+    Upload(level);
+  }
+  return D3D_OK;
+}
+
+void GLTexture::Upload(UINT level) {
+  const Level& l = levels_[level];
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+  if (format_.compressed)
+    glCompressedTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width), GLsizei(l.height),
+                              format_.internalFormat, GLsizei(l.data.size()), l.data.data());
+  else
+    glTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width), GLsizei(l.height), format_.dataFormat,
+                    format_.dataType, l.data.data());
+}
+
+// ---- GLBuffer -------------------------------------------------------------------
+
+template <class Interface>
+GLBuffer<Interface>::GLBuffer(std::shared_ptr<GLCore> core, UINT length, DWORD usage, DWORD format, D3DPOOL pool)
+    : core_(std::move(core)), data_(length, 0), usage_(usage), format_(format), pool_(pool) {
+  if (pool_ == D3DPOOL_DEFAULT) ++core_->defaultPoolResources;
+  if (!core_->MakeCurrent()) return;
+  while (glGetError() != GL_NO_ERROR) {
+  }
+  glGenBuffers(1, &name_);
+  glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
+  glBufferData(GL_COPY_WRITE_BUFFER, GLsizeiptr(length), data_.data(),
+               (usage & D3DUSAGE_DYNAMIC) ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW);
+  if (glGetError() != GL_NO_ERROR) {
+    Log(LogLevel::Error, "GLBuffer::GLBuffer", "GL refused a buffer of %u bytes", length);
+    glDeleteBuffers(1, &name_);
+    name_ = 0;
+  }
+}
+
+template <class Interface>
+GLBuffer<Interface>::~GLBuffer() {
+  if (pool_ == D3DPOOL_DEFAULT) --core_->defaultPoolResources;
+  if (name_ && core_->MakeCurrent()) {
+    glDeleteBuffers(1, &name_);
+  }
+}
+
+template <class Interface>
+ULONG GLBuffer<Interface>::Release() {
+  ULONG left = --refs_;
+  if (left == 0) delete this;
+  return left;
+}
+
+template <class Interface>
+HRESULT GLBuffer<Interface>::Lock(UINT offset, UINT size, void** out, DWORD flags) {
+  if (out == nullptr || locked_) return D3DERR_INVALIDCALL;
+  if (size == 0) size = offset <= data_.size() ? UINT(data_.size()) - offset : 0;
+  if (std::size_t(offset) + size > data_.size() || (size == 0 && offset != 0)) return D3DERR_INVALIDCALL;
+  locked_ = true;
+  readOnly_ = (flags & D3DLOCK_READONLY) != 0;
+  lockOffset_ = offset;
+  lockSize_ = size;
+  *out = data_.data() + offset;
+  return D3D_OK;
+}
+
+template <class Interface>
+HRESULT GLBuffer<Interface>::Unlock() {
+  if (!locked_) return D3DERR_INVALIDCALL;
+  locked_ = false;
+  if (!readOnly_ && name_ && lockSize_ > 0 && core_->MakeCurrent()) {
+    glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
+    glBufferSubData(GL_COPY_WRITE_BUFFER, GLintptr(lockOffset_), GLsizeiptr(lockSize_), data_.data() + lockOffset_);
+  }
+  return D3D_OK;
+}
+
+template class GLBuffer<IDirect3DVertexBuffer9>;
+template class GLBuffer<IDirect3DIndexBuffer9>;
+
+}  // namespace d3d9gl

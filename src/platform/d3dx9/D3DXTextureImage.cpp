@@ -1,0 +1,216 @@
+// Decoding (stb_image), colour key, resampling and mips for the D3DX loaders.
+#include "platform/d3dx9/D3DXTextureImage.h"
+
+#include <stb_image.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace d3dx {
+
+namespace {
+
+// Largest side accepted: far above any texture this program loads, and it
+// keeps a hostile header from asking for gigabytes.
+constexpr int kMaxSide = 16384;
+// Files above this size are refused before reading.
+constexpr long kMaxFileBytes = 256L * 1024 * 1024;
+
+bool IsJpeg(const std::uint8_t* b, std::size_t n) { return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF; }
+bool IsPng(const std::uint8_t* b, std::size_t n) {
+  static const std::uint8_t sig[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
+  return n >= 8 && std::memcmp(b, sig, 8) == 0;
+}
+
+// stb_image pads a JPEG that ends early with zero bits and "succeeds" with a
+// picture half grey. A complete JPEG has its end-of-image marker after the
+// first start-of-scan; inside scan data a 0xFF byte is always followed by 0x00
+// or a restart marker, so FF D9 there can only be that marker.
+bool JpegIsComplete(const std::uint8_t* b, std::size_t n) {
+  // Walk the marker segments of the header up to the first start-of-scan.
+  std::size_t i = 2;
+  for (;;) {
+    if (i + 1 >= n || b[i] != 0xFF) return false;
+    std::uint8_t m = b[i + 1];
+    if (m == 0xFF) {  // fill byte
+      ++i;
+      continue;
+    }
+    if (m == 0xDA) break;
+    if (m == 0x01 || (m >= 0xD0 && m <= 0xD7)) {  // markers without a length
+      i += 2;
+      continue;
+    }
+    if (i + 3 >= n) return false;
+    i += 2 + ((std::size_t(b[i + 2]) << 8) | b[i + 3]);
+  }
+  for (std::size_t j = i + 2; j + 1 < n; ++j)
+    if (b[j] == 0xFF && b[j + 1] == 0xD9) return true;
+  return false;
+}
+
+std::string ForwardSlashes(std::string path) {
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+}  // namespace
+
+bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage& out, std::string& error) {
+  out = DecodedImage{};
+  if (bytes == nullptr || size == 0) {
+    error = "empty file";
+    return false;
+  }
+  if (size > std::size_t(kMaxFileBytes)) {
+    error = "file too large";
+    return false;
+  }
+  if (IsJpeg(bytes, size)) {
+    out.kind = ImageKind::Jpeg;
+    if (!JpegIsComplete(bytes, size)) {
+      error = "truncated JPEG";
+      return false;
+    }
+  } else if (IsPng(bytes, size)) {
+    out.kind = ImageKind::Png;
+  } else {
+    error = "not a JPEG or PNG file";
+    return false;
+  }
+  int w = 0, h = 0, comp = 0;
+  if (!stbi_info_from_memory(bytes, int(size), &w, &h, &comp) || w <= 0 || h <= 0) {
+    error = stbi_failure_reason() ? stbi_failure_reason() : "unreadable header";
+    return false;
+  }
+  if (w > kMaxSide || h > kMaxSide) {
+    error = "image too large";
+    return false;
+  }
+  std::unique_ptr<stbi_uc, void (*)(void*)> rgba(stbi_load_from_memory(bytes, int(size), &w, &h, &comp, 4),
+                                                 stbi_image_free);
+  if (!rgba) {
+    error = stbi_failure_reason() ? stbi_failure_reason() : "decode failed";
+    return false;
+  }
+  out.hasAlpha = comp == 2 || comp == 4;
+  out.image.width = std::uint32_t(w);
+  out.image.height = std::uint32_t(h);
+  out.image.texels.resize(std::size_t(w) * std::size_t(h));
+  const stbi_uc* p = rgba.get();
+  for (std::size_t i = 0; i < out.image.texels.size(); ++i, p += 4) {
+    // A file without alpha reads as opaque: stb fills 0xFF there already.
+    out.image.texels[i] = (std::uint32_t(p[3]) << 24) | (std::uint32_t(p[0]) << 16) | (std::uint32_t(p[1]) << 8) |
+                          std::uint32_t(p[2]);
+  }
+  return true;
+}
+
+bool DecodeImageFile(const std::string& path, DecodedImage& out, std::string& error) {
+  std::string name = ForwardSlashes(path);
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(name.c_str(), "rb"), std::fclose);
+  if (!f) {
+    error = "cannot open " + name;
+    return false;
+  }
+  if (std::fseek(f.get(), 0, SEEK_END) != 0) {
+    error = "cannot read " + name;
+    return false;
+  }
+  long size = std::ftell(f.get());
+  if (size <= 0 || size > kMaxFileBytes || std::fseek(f.get(), 0, SEEK_SET) != 0) {
+    error = size <= 0 ? "empty or unreadable file " + name : "file too large: " + name;
+    return false;
+  }
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+  if (std::fread(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
+    error = "cannot read " + name;
+    return false;
+  }
+  return DecodeImageMemory(bytes.data(), bytes.size(), out, error);
+}
+
+std::size_t ApplyColorKey(ArgbImage& image, std::uint32_t key) {
+  if (key == 0) return 0;
+  std::size_t n = 0;
+  for (auto& t : image.texels) {
+    if (t == key) {
+      t = 0;
+      ++n;
+    }
+  }
+  return n;
+}
+
+std::uint32_t NextPowerOfTwo(std::uint32_t n) {
+  std::uint32_t p = 1;
+  while (p < n && p < 0x80000000u) p <<= 1;
+  return p;
+}
+
+std::uint32_t FullMipCount(std::uint32_t width, std::uint32_t height) {
+  std::uint32_t side = std::max(width, height), levels = 1;
+  while (side > 1) {
+    side >>= 1;
+    ++levels;
+  }
+  return levels;
+}
+
+ArgbImage Resample(const ArgbImage& src, std::uint32_t width, std::uint32_t height) {
+  if (src.width == width && src.height == height) return src;
+  ArgbImage dst;
+  dst.width = width;
+  dst.height = height;
+  dst.texels.resize(std::size_t(width) * height);
+  if (src.width == 0 || src.height == 0) return dst;
+  const float sx = float(src.width) / float(width), sy = float(src.height) / float(height);
+  for (std::uint32_t y = 0; y < height; ++y) {
+    float fy = std::clamp((float(y) + 0.5f) * sy - 0.5f, 0.0f, float(src.height - 1));
+    std::uint32_t y0 = std::uint32_t(fy), y1 = std::min(y0 + 1, src.height - 1);
+    float wy = fy - float(y0);
+    for (std::uint32_t x = 0; x < width; ++x) {
+      float fx = std::clamp((float(x) + 0.5f) * sx - 0.5f, 0.0f, float(src.width - 1));
+      std::uint32_t x0 = std::uint32_t(fx), x1 = std::min(x0 + 1, src.width - 1);
+      float wx = fx - float(x0);
+      std::uint32_t a = src.At(x0, y0), b = src.At(x1, y0), c = src.At(x0, y1), d = src.At(x1, y1);
+      std::uint32_t out = 0;
+      for (int shift = 0; shift < 32; shift += 8) {
+        float ca = float((a >> shift) & 0xFF), cb = float((b >> shift) & 0xFF);
+        float cc = float((c >> shift) & 0xFF), cd = float((d >> shift) & 0xFF);
+        float top = ca + (cb - ca) * wx, bottom = cc + (cd - cc) * wx;
+        float v = top + (bottom - top) * wy;
+        out |= std::uint32_t(std::clamp(v + 0.5f, 0.0f, 255.0f)) << shift;
+      }
+      dst.texels[std::size_t(y) * width + x] = out;
+    }
+  }
+  return dst;
+}
+
+ArgbImage HalveBox(const ArgbImage& src) {
+  ArgbImage dst;
+  dst.width = std::max(1u, src.width / 2);
+  dst.height = std::max(1u, src.height / 2);
+  dst.texels.resize(std::size_t(dst.width) * dst.height);
+  if (src.texels.empty()) return dst;
+  for (std::uint32_t y = 0; y < dst.height; ++y) {
+    std::uint32_t y0 = std::min(2 * y, src.height - 1), y1 = std::min(2 * y + 1, src.height - 1);
+    for (std::uint32_t x = 0; x < dst.width; ++x) {
+      std::uint32_t x0 = std::min(2 * x, src.width - 1), x1 = std::min(2 * x + 1, src.width - 1);
+      std::uint32_t t[4] = {src.At(x0, y0), src.At(x1, y0), src.At(x0, y1), src.At(x1, y1)};
+      std::uint32_t out = 0;
+      for (int shift = 0; shift < 32; shift += 8) {
+        std::uint32_t sum = 2;  // rounds to nearest
+        for (std::uint32_t v : t) sum += (v >> shift) & 0xFF;
+        out |= (sum / 4) << shift;
+      }
+      dst.texels[std::size_t(y) * dst.width + x] = out;
+    }
+  }
+  return dst;
+}
+
+}  // namespace d3dx
