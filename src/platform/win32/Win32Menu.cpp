@@ -35,18 +35,19 @@ struct StoredEntry {
 };
 
 std::map<UINT, std::vector<StoredEntry>>& MenuResources() {
-  static std::map<UINT, std::vector<StoredEntry>> resources;
-  return resources;
+  static auto* resources = new std::map<UINT, std::vector<StoredEntry>>;  // lives to the end
+  return *resources;
 }
 
 std::map<UINT, HICON__>& IconResources() {
-  static std::map<UINT, HICON__> icons;  // loaded icons are shared, as the platform's are
-  return icons;
+  // Loaded icons are shared, as the platform's are; they live to the end.
+  static auto* icons = new std::map<UINT, HICON__>;
+  return *icons;
 }
 
 std::set<HMENU>& LiveMenus() {
-  static std::set<HMENU> menus;
-  return menus;
+  static auto* menus = new std::set<HMENU>;  // lives to the end
+  return *menus;
 }
 
 HICON__ s_applicationIcon{0, 0, {}, true};

@@ -195,8 +195,8 @@ class ScriptBackEnd final : public Source {
 };
 
 ScriptBackEnd& Script() {
-  static ScriptBackEnd script;
-  return script;
+  static ScriptBackEnd* script = new ScriptBackEnd;  // never destroyed: see GetState
+  return *script;
 }
 
 }  // namespace

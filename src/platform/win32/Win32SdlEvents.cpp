@@ -212,8 +212,8 @@ class SdlBackEnd final : public Source {
 }  // namespace
 
 Source& SdlSource() {
-  static SdlBackEnd source;
-  return source;
+  static SdlBackEnd* source = new SdlBackEnd;  // never destroyed: see GetState
+  return *source;
 }
 
 }  // namespace win32::detail

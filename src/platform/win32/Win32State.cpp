@@ -6,9 +6,11 @@
 
 namespace win32::detail {
 
+// The layer's state outlives every static object of the program: the
+// application object may destroy its window from its destructor at exit.
 State& GetState() {
-  static State state;
-  return state;
+  static State* state = new State;
+  return *state;
 }
 
 Source& GetSource() {
