@@ -1,0 +1,121 @@
+// Menu 101 as a flat resource list, and icon 102: a hill over the sea under
+// a blue sky, drawn once into 32 x 32 ARGB pixels.
+#include "app/Resources.h"
+
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+
+#include "platform/win32/Win32Resources.h"
+
+namespace {
+
+using win32::MenuEntry;
+using win32::MenuEntryKind;
+
+constexpr MenuEntryKind P = MenuEntryKind::Popup;
+constexpr MenuEntryKind I = MenuEntryKind::Item;
+constexpr MenuEntryKind S = MenuEntryKind::Separator;
+constexpr MenuEntryKind E = MenuEntryKind::End;
+
+// Item texts are exact, with the ampersand of the access key. The popups of
+// "&Render States" sit at fixed positions that the render-state code greys
+// by position: 0 Fill Mode, 2 Filter, 3 Mip Filter, 5 Color Blending Ops,
+// 6 Render Mode.
+const MenuEntry kMainMenu[] = {
+    {P, 0, "&File"},
+    {I, 40009, "&Change Device"},
+    {S, 0, nullptr},
+    {I, 40006, "E&xit"},
+    {E, 0, nullptr},
+
+    {P, 0, "&Camera"},
+    {I, 40010, "&First Person Mode"},
+    {I, 40011, "&Space Craft Mode"},
+    {I, 40012, "&Third Person Mode"},
+    {E, 0, nullptr},
+
+    {P, 0, "&Render States"},
+    {P, 0, "&Fill Mode"},
+    {I, 40013, "&Solid"},
+    {I, 40014, "&Wireframe"},
+    {E, 0, nullptr},
+    {S, 0, nullptr},
+    {P, 0, "F&ilter"},
+    {P, 0, "Mi&nification"},
+    {I, 40031, "&None"},
+    {I, 40032, "&Point"},
+    {I, 40033, "&Linear"},
+    {I, 40034, "&Anisotropic"},
+    {E, 0, nullptr},
+    {P, 0, "&Magnification"},
+    {I, 40035, "&None"},
+    {I, 40036, "&Point"},
+    {I, 40037, "&Linear"},
+    {I, 40038, "&Anisotropic"},
+    {E, 0, nullptr},
+    {S, 0, nullptr},
+    {P, 0, "&Set Max Anisotropy"},
+    {I, 40039, "&1"},
+    {I, 40040, "&2"},
+    {I, 40041, "&4"},
+    {I, 40042, "&8"},
+    {I, 40043, "&16"},
+    {I, 40044, "&32"},
+    {I, 40045, "&64"},
+    {E, 0, nullptr},
+    {E, 0, nullptr},
+    {P, 0, "&Mip Filter"},
+    {I, 40019, "&None"},
+    {I, 40020, "&Point"},
+    {I, 40021, "&Linear"},
+    {E, 0, nullptr},
+    {S, 0, nullptr},
+    {P, 0, "&Color Blending Ops"},
+    {I, 40024, "A&dd Signed"},
+    {I, 40025, "Add Si&gned 2x"},
+    {I, 40026, "&Add"},
+    {I, 40027, "&Subtract"},
+    {I, 40028, "&Modulate"},
+    {I, 40029, "Modulate &2x"},
+    {I, 40030, "Modulate &4x"},
+    {E, 0, nullptr},
+    {P, 0, "Render Mode"},
+    {I, 40022, "&Single Pass"},
+    {I, 40023, "&Multi Pass"},
+    {E, 0, nullptr},
+    {E, 0, nullptr},
+};
+
+constexpr int kIconSize = 32;
+
+// Sky fading to pale at the horizon, the sea below it, a green hill with a
+// lighter crest rising out of the sea.
+void DrawIcon(std::uint32_t* pixels) {
+  for (int y = 0; y < kIconSize; ++y) {
+    for (int x = 0; x < kIconSize; ++x) {
+      const double hill = 13.0 + 9.0 * std::sin((x + 4) * 3.14159265 / 28.0);
+      std::uint32_t colour;
+      if (kIconSize - y <= hill) {
+        const bool crest = kIconSize - y > hill - 2.0;
+        colour = crest ? 0xFF7FC75Au : 0xFF3E8E2Fu;
+      } else if (y >= 24) {
+        colour = 0xFF2F6FB8u;
+      } else {
+        const std::uint32_t fade = static_cast<std::uint32_t>(y * 4);
+        colour = 0xFF000000u | ((0x50u + fade) << 16) | ((0x90u + fade) << 8) | 0xF0u;
+      }
+      pixels[y * kIconSize + x] = colour;
+    }
+  }
+}
+
+}  // namespace
+
+bool RegisterResources() {
+  static std::uint32_t s_iconPixels[kIconSize * kIconSize];
+  DrawIcon(s_iconPixels);
+  const bool menu = win32::RegisterMenuResource(IDR_MAIN_MENU, kMainMenu, std::size(kMainMenu));
+  const bool icon = win32::RegisterIconResource(IDI_MAIN_ICON, {kIconSize, kIconSize, s_iconPixels});
+  return menu && icon;
+}
