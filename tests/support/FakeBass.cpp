@@ -15,6 +15,7 @@ struct State {
   std::vector<std::string> missing;
   std::vector<std::string> noChannel;
   int initCalls = 0;
+  int getChannelCalls = 0;
   int stopCalls = 0;
   int sampleFreeCalls = 0;
   int freeCalls = 0;
@@ -47,6 +48,7 @@ void SetInitResult(BOOL result) { S().initResult = result; }
 void SetMissing(const std::string& path) { S().missing.push_back(path); }
 void SetNoChannel(const std::string& path) { S().noChannel.push_back(path); }
 int InitCalls() { return S().initCalls; }
+int GetChannelCalls() { return S().getChannelCalls; }
 const std::vector<Load>& Loads() { return S().loads; }
 const std::vector<Play>& Plays() { return S().plays; }
 int StopCalls() { return S().stopCalls; }
@@ -106,6 +108,7 @@ BOOL BASS_SampleFree(HSAMPLE handle) {
 }
 
 HCHANNEL BASS_SampleGetChannel(HSAMPLE handle, BOOL) {
+  ++S().getChannelCalls;
   std::size_t n = Index(handle, kSampleBase);
   if (n == 0 || Contains(S().noChannel, S().samplePaths[n - 1])) return 0;
   S().channelGiven[n - 1] = true;

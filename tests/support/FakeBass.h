@@ -38,6 +38,7 @@ void SetMissing(const std::string& path);
 void SetNoChannel(const std::string& path);
 
 int InitCalls();
+int GetChannelCalls();
 const std::vector<Load>& Loads();
 const std::vector<Play>& Plays();
 // Recorded calls of each of the ending functions.
