@@ -172,9 +172,11 @@ const auto* const s_cleanup = ::testing::AddGlobalTestEnvironment(new DrawWorkDi
 TEST(Draw, StartViewShowsSkyAboveAndGroundBelowWithNoGaps) {
   const Image image = Capture(MarkedAssets(), "start", "", 1);
   ASSERT_GT(image.width, 0);
-  // The first look is 25 degrees down: ground in the lower part, sky above it.
+  // The first look is 25 degrees down: ground in the lower part, sky above
+  // it, where the far mountains may reach into the top rows.
   EXPECT_GT(Share(image, Kind::Ground, 0.75, 1.0), 0.95);
-  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.95);
+  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.5);
+  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1) + Share(image, Kind::Ground, 0.0, 0.1), 0.99);
   // The clear colour must never show: the sky box closes round the eye.
   EXPECT_EQ(Share(image, Kind::Clear), 0.0);
 
@@ -188,11 +190,13 @@ TEST(Draw, WireframeShowsLines) {
   const Image image = Capture(MarkedAssets(), "wire", "--wireframe", 1);
   ASSERT_GT(image.width, 0);
   // Between the lines the clear colour shows, in the sky as on the ground.
+  // Near the eye a cell spans much of the screen, so the lines crowd in the
+  // distance: the ground's share is counted over the whole frame.
   EXPECT_GT(Share(image, Kind::Clear, 0.0, 0.1), 0.5);
-  EXPECT_GT(Share(image, Kind::Clear, 0.75, 1.0), 0.2);
-  const double ground = Share(image, Kind::Ground, 0.75, 1.0);
+  EXPECT_GT(Share(image, Kind::Clear, 0.75, 1.0), 0.9);
+  const double ground = Share(image, Kind::Ground);
   EXPECT_GT(ground, 0.02);
-  EXPECT_LT(ground, 0.8);
+  EXPECT_LT(ground, 0.5);
 }
 
 TEST(Draw, SingleAndMultiPassBothDrawTheDetail) {
