@@ -83,6 +83,9 @@ void GLDevice::InitGL() {
   glVertexAttrib4f(kAttrTex1, 0.0f, 0.0f, 0.0f, 1.0f);
   glVertexAttribI4ui(kAttrSlot, 0, 0, 0, 0);
   glGenSamplers(kShaderStages, samplers_);
+  // The streaming buffers of UP draws; StreamWrite gives them storage.
+  glGenBuffers(1, &streamVb_);
+  glGenBuffers(1, &streamIb_);
   // Clockwise on screen is the platform's front face; the image is kept
   // upright in the framebuffer, so GL sees the same winding.
   glFrontFace(GL_CW);
