@@ -119,6 +119,35 @@ TEST_F(SoundRules, AltitudeBandsPickStepsDivingSwimmingAndBreathing) {
   }
 }
 
+TEST_F(SoundRules, EachRandomSoundPlaysOnItsOwnDrawOnly) {
+  // The four draws of a frame on land, in order: modulus, hit, sound.
+  struct Random {
+    int modulus, hit;
+    std::string path;
+  };
+  const Random sounds[] = {{12000, 77, "music\\kashel_short.mp3"},
+                           {15000, 777, "music\\poperhnulsya.mp3"},
+                           {18000, 777, "music\\smeh_short1.mp3"},
+                           {19000, 777, "music\\smeh_short2.mp3"}};
+  At(kOpenX, kLand, kOpenZ);
+  for (int which = 0; which < 4; ++which) {
+    // A seed whose draw number `which` hits its sound and whose others miss.
+    auto hits = [&sounds](std::uint32_t seed, int draw) {
+      return FirstDraw(Advanced(seed, draw)) % sounds[draw].modulus == sounds[draw].hit;
+    };
+    std::uint32_t seed = 1;
+    for (;; ++seed) {
+      bool only = true;
+      for (int draw = 0; draw < 4; ++draw) only = only && hits(seed, draw) == (draw == which);
+      if (only) break;
+    }
+    Seed(seed);
+    EXPECT_EQ(Frame(), (std::vector<std::string>{kBreathe, sounds[which].path}))
+        << "draw " << which;
+    EXPECT_EQ(Draws(), 4);
+  }
+}
+
 TEST_F(SoundRules, TalkPicksFromTheLandAndWaterTablesAndBarsRandomSounds) {
   // Seeds whose first draw gives the wanted remainder, then the clip heard.
   struct Case {
