@@ -1,0 +1,220 @@
+// The scripted whole run of the program and what it records (see ProgramRun.h).
+#include "ProgramRun.h"
+
+#include <SDL.h>
+
+#include <cstdlib>
+
+#include "app/GameApp.h"
+#include "device/MyD3DInit.h"
+#include "platform/d3d9/D3D9GLBackend.h"
+#include "platform/win32/Win32Backend.h"
+#include "platform/win32/Win32Script.h"
+
+namespace program_test {
+
+namespace {
+
+// The sounds load while g_App is constructed, before main: the audio driver
+// has to be chosen even earlier. A choice made outside stands.
+__attribute__((constructor(101))) void ChooseQuietAudio() {
+  setenv("SDL_AUDIODRIVER", "dummy", 0);
+}
+
+constexpr BYTE kKeyJ = 0x4A;
+constexpr BYTE kKeyX = 0x58;
+constexpr float kWaterLevel = 864.0f;
+
+Picture ReadPicture() {
+  Picture picture;
+  if (g_App.m_device)
+    d3d9gl::ReadBackBuffer(g_App.m_device, picture.argb, picture.width, picture.height);
+  return picture;
+}
+
+std::uint32_t Presents() {
+  d3d9gl::FrameStats stats;
+  return g_App.m_device && d3d9gl::GetFrameStats(g_App.m_device, stats) ? stats.presents : 0;
+}
+
+}  // namespace
+
+float GroundAt(float x, float z) {
+  const CTerrain& terrain = g_App.m_terrain;
+  const int row = static_cast<int>(z / terrain.m_scale.z);
+  return terrain.GetHeight(x, z, (row & 1) != 0);
+}
+
+const ProgramRun& ProgramRun::Get() {
+  static ProgramRun* run = [] {
+    auto* r = new ProgramRun;
+    r->Run();
+    return r;
+  }();
+  return *run;
+}
+
+const FrameRecord* ProgramRun::At(std::uint32_t frame) const {
+  for (const FrameRecord& record : frames)
+    if (record.frame == frame) return &record;
+  return nullptr;
+}
+
+void ProgramRun::Run() {
+  win32::script::Options script;
+  script.fixedStep = 1.0 / 60.0;
+  script.realWindows = true;
+  script.maxFrames = kWalkFrom + kWalkFrames + kSeaFrameLimit + 50;  // a backstop only
+  win32::script::Enable(script);
+  win32::script::KeyDown(kLiftFrom, kKeyJ);
+  win32::script::KeyDown(kLiftFrom, kKeyX);
+  win32::script::KeyUp(kLiftUntil, kKeyJ);
+  win32::script::KeyUp(kLiftUntil, kKeyX);
+  win32::script::KeyDown(kLostUpFrom, VK_UP);
+  win32::script::KeyUp(kResetAllowedAt, VK_UP);
+  win32::script::KeyDown(kWalkFrom, VK_UP);
+  win32::script::SetFrameCallback([this](std::uint32_t frame) { OnFrame(frame); });
+
+  exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT);
+
+  win32::script::SetFrameCallback(nullptr);
+  framesStarted = win32::script::FramesStarted();
+  finalPosition = g_App.m_player.GetPosition();
+  deviceReleased = g_App.m_device == nullptr;
+  direct3DReleased = g_App.m_d3d == nullptr;
+  windowHandleCleared = g_App.m_hWnd == nullptr;
+  windowGone = m_window != nullptr && !IsWindow(m_window);
+  terrainReleased = g_App.m_terrain.m_heightMap == nullptr &&
+                    g_App.m_terrain.m_blockMeshes == nullptr && g_App.m_terrain.m_device == nullptr;
+  shutdownAgain = g_App.Shutdown();
+  win32::script::Disable();
+}
+
+void ProgramRun::OnFrame(std::uint32_t frame) {
+  if (frame == 0) {
+    RecordStart();
+    RecordEnumeration();
+  }
+  Record(frame);
+  Plan(frame);
+}
+
+void ProgramRun::RecordStart() {
+  m_window = g_App.m_hWnd;
+  startCameraMode = g_App.m_player.GetCameraMode();
+  startPosition = g_App.m_player.GetPosition();
+  startPitch = g_App.m_player.GetPitch();
+  startYaw = g_App.m_player.GetYaw();
+  GetWindowRect(m_window, &windowRect);
+  GetClientRect(m_window, &clientRect);
+  if (SDL_Window* sdl = win32::SdlWindowOf(m_window)) {
+    SDL_GetWindowSize(sdl, &sdlWidth, &sdlHeight);
+    sdlShown = (SDL_GetWindowFlags(sdl) & SDL_WINDOW_SHOWN) != 0;
+  }
+  menuBarHeight = win32::MenuBarHeight(m_window);
+  windowVisible = IsWindowVisible(m_window) != FALSE;
+  viewWidth = g_App.m_viewWidth;
+  viewHeight = g_App.m_viewHeight;
+  settings = g_App.m_settings;
+  if (g_App.m_d3d) g_App.m_d3d->GetAdapterDisplayMode(0, &desktopMode);
+  const Picture first = ReadPicture();
+  backBufferWidth = first.width;
+  backBufferHeight = first.height;
+}
+
+void ProgramRun::RecordEnumeration() {
+  CMyD3DInit initialize;
+  enumerateResult = initialize.Enumerate(g_App.m_d3d);
+  adapterCount = initialize.GetAdapterCount();
+  const CD3DAdapterRecord* adapter = initialize.GetAdapter(0);
+  if (!adapter) return;
+  firstAdapterModes = adapter->m_modes;
+  firstAdapterDevices = adapter->m_devices.size();
+  for (const CD3DDeviceRecord* device : adapter->m_devices) {
+    for (const CD3DOptionRecord* option : device->m_options) {
+      OptionSummary summary;
+      summary.deviceType = option->m_deviceType;
+      summary.adapterFormat = option->m_adapterFormat;
+      summary.backBufferFormat = option->m_backBufferFormat;
+      summary.windowed = option->m_windowed;
+      summary.depthFormats = option->m_depthFormats.size();
+      summary.multiSampleTypes = option->m_multiSampleTypes.size();
+      summary.multiSampleQualities = option->m_multiSampleQualities.size();
+      for (VERTEXPROCESSING_TYPE type : option->m_vertexProcessingTypes)
+        summary.vertexProcessing.push_back(type);
+      summary.presentIntervals = option->m_presentIntervals;
+      options.push_back(summary);
+    }
+  }
+}
+
+void ProgramRun::Record(std::uint32_t frame) {
+  const CPlayer& player = g_App.m_player;
+  FrameRecord record;
+  record.frame = frame;
+  record.position = player.GetPosition();
+  record.velocity = player.GetVelocity();
+  record.gravity = player.GetGravity();
+  record.friction = player.GetFriction();
+  record.maxVelocityXZ = player.GetMaxVelocityXZ();
+  record.maxVelocityY = player.GetMaxVelocityY();
+  record.timeElapsed = g_App.m_timer.GetTimeElapsed();
+  record.ground = GroundAt(record.position.x, record.position.z);
+  record.cameraMode = player.GetCameraMode();
+  record.deviceLost = g_App.m_deviceLost;
+  record.presents = Presents();
+  record.frameRate = g_App.m_timer.GetFrameRate(nullptr);
+  char title[256] = {};
+  GetWindowTextA(g_App.m_hWnd, title, sizeof title);
+  record.title = title;
+  if (frame == 0) startTitle = record.title;
+  frames.push_back(record);
+}
+
+void ProgramRun::Plan(std::uint32_t frame) {
+  IDirect3DDevice9* device = g_App.m_device;
+  if (frame == kShrinkAt) {
+    // The user makes the window small: software GL pays by the pixel, and
+    // nothing but the picture's size depends on the window.
+    SetWindowPos(m_window, HWND_NOTOPMOST, windowRect.left, windowRect.top, kSmallWidth,
+                 kSmallHeight, SWP_NOACTIVATE);
+    GetWindowRect(m_window, &smallWindowRect);
+  } else if (frame == kLossAt) {
+    if (device == nullptr) {
+      problems.push_back("no device to make lost");
+      return;
+    }
+    beforeLoss = ReadPicture();
+    d3d9gl::SimulateDeviceLost(device, false);
+  } else if (frame > kLossAt && frame < kResetAllowedAt) {
+    levelWhileLost = device->TestCooperativeLevel();
+  } else if (frame == kResetAllowedAt) {
+    d3d9gl::AllowReset(device);
+    levelOnceAllowed = device->TestCooperativeLevel();
+  } else if (frame == kRestoreAt) {
+    afterReset = ReadPicture();
+    GetWindowRect(m_window, &windowAfterReset);
+    GetClientRect(m_window, &clientAfterReset);
+    // The user drags the window back to where and how big it was.
+    SetWindowPos(m_window, HWND_NOTOPMOST, smallWindowRect.left, smallWindowRect.top,
+                 smallWindowRect.right - smallWindowRect.left,
+                 smallWindowRect.bottom - smallWindowRect.top, SWP_NOACTIVATE);
+  } else if (frame == kAfterAt) {
+    afterRestore = ReadPicture();
+  } else if (frame == kWalkFrom + kWalkFrames) {
+    win32::script::SetFixedStep(kSeaStep);
+  }
+
+  if (frame > kWalkFrom && escapeFrame == 0) {
+    if (frames.back().position.y < kWaterLevel) ++m_swimFrames;
+    if (m_swimFrames == kSwimFramesBeforeEnd) {
+      escapeFrame = frame + 1;
+    } else if (frame == kWalkFrom + kWalkFrames + kSeaFrameLimit) {
+      problems.push_back("the walk did not reach the sea");
+      escapeFrame = frame + 1;
+    }
+    if (escapeFrame) win32::script::KeyDown(escapeFrame, VK_ESCAPE);
+  }
+}
+
+}  // namespace program_test

@@ -1,0 +1,137 @@
+// The walk on the generated world, in the one scripted run: the start values,
+// the body coming to rest on the ground, a lift and a fall, 120 frames of Up
+// at 1/60 s, and the way on over open country into the sea.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "ProgramRun.h"
+
+namespace program_test {
+namespace {
+
+constexpr float kWaterLevel = 864.0f;
+// The body's box reaches 2.0 below its position: it stands that high.
+constexpr float kStandHeight = 2.0f;
+// Setting a position goes through a float difference and sum, which may land
+// one step of the float grid off the target: at heights near 1000 that is
+// about 1e-4.
+constexpr float kRestTolerance = 1e-3f;
+
+bool Walking(const FrameRecord& r) {
+  return r.friction == 250.0f && r.gravity == D3DXVECTOR3(0.0f, -500.0f, 0.0f) &&
+         r.maxVelocityXZ == 125.0f && r.maxVelocityY == 400.0f;
+}
+
+bool Swimming(const FrameRecord& r) {
+  return r.friction == 250.0f && r.gravity == D3DXVECTOR3(0.0f, -260.0f, 0.0f) &&
+         r.maxVelocityXZ == 40.0f && r.maxVelocityY == 60.0f;
+}
+
+bool AtRest(const FrameRecord& r) {
+  return std::fabs(r.position.y - (r.ground + kStandHeight)) < kRestTolerance &&
+         r.velocity == D3DXVECTOR3(0, 0, 0);
+}
+
+TEST(Walk, StartValuesThenTheFirstFrameSetsTheBodyOnTheGround) {
+  const ProgramRun& run = ProgramRun::Get();
+  EXPECT_EQ(run.startPosition, D3DXVECTOR3(1500.0f, 400.0f, 1500.0f));
+  EXPECT_EQ(run.startPitch, 25.0f);
+  EXPECT_EQ(run.startYaw, 45.0f);
+  EXPECT_EQ(run.startCameraMode, 1u);
+
+  // The meadow at the start lies above 400, so the first frame's clamp lifts
+  // the body onto it; it stays there, at rest, with the walking values.
+  for (std::uint32_t frame = 1; frame <= kLiftFrom; ++frame) {
+    const FrameRecord* r = run.At(frame);
+    ASSERT_NE(r, nullptr);
+    EXPECT_EQ(r->position.x, 1500.0f);
+    EXPECT_EQ(r->position.z, 1500.0f);
+    EXPECT_GT(r->ground, 400.0f);
+    EXPECT_TRUE(AtRest(*r)) << "frame " << frame << ": y " << r->position.y << ", ground "
+                            << r->ground;
+    EXPECT_TRUE(Walking(*r)) << "frame " << frame;
+  }
+}
+
+TEST(Walk, AfterALiftTheBodyFallsAndComesToRestAtGroundPlusTwo) {
+  const ProgramRun& run = ProgramRun::Get();
+  const FrameRecord* top = run.At(kLiftUntil);
+  ASSERT_NE(top, nullptr);
+  EXPECT_GT(top->position.y,
+            top->ground + kStandHeight + 40.0f);  // eight frames of 7 units, less the pull
+
+  // The fall: lower every frame until it lands, then at rest on the ground.
+  std::uint32_t landed = 0;
+  for (std::uint32_t frame = kLiftUntil + 1; frame < kLossAt && landed == 0; ++frame) {
+    const FrameRecord* r = run.At(frame);
+    const FrameRecord* previous = run.At(frame - 1);
+    ASSERT_TRUE(r && previous);
+    EXPECT_LE(r->position.y, previous->position.y) << "frame " << frame;
+    EXPECT_GE(r->position.y, r->ground + kStandHeight - kRestTolerance) << "frame " << frame;
+    if (AtRest(*r)) landed = frame;
+  }
+  ASSERT_NE(landed, 0u) << "still falling before frame " << kLossAt;
+  for (std::uint32_t frame = landed; frame <= kLossAt; ++frame)
+    EXPECT_TRUE(AtRest(*run.At(frame))) << "frame " << frame;
+}
+
+TEST(Walk, UpFor120FramesWalks100UnitsAlongTheFirstLook) {
+  const ProgramRun& run = ProgramRun::Get();
+  const FrameRecord* from = run.At(kWalkFrom);
+  const FrameRecord* to = run.At(kWalkFrom + kWalkFrames);
+  ASSERT_TRUE(from && to);
+  // The mean frame time is one step of the fixed clock: 50 units a second.
+  EXPECT_NEAR(from->timeElapsed, 1.0f / 60.0f, 1e-7f);
+
+  // 120 steps of (sin 45, 0, cos 45) x 500 x 1/60 x 0.1. Each step is added
+  // to a coordinate near 1500, whose float grid is 1.2e-4 apart, so the sum
+  // of 120 rounded additions may drift by up to 120 x 6e-5 = 0.007; the
+  // direction from the rotation and the mean time add well under 0.001.
+  const float expected = 100.0f * std::sin(45.0f * 3.14159265f / 180.0f);
+  EXPECT_NEAR(to->position.x - from->position.x, expected, 0.01f);
+  EXPECT_NEAR(to->position.z - from->position.z, expected, 0.01f);
+}
+
+TEST(Walk, TheWalkFollowsTheGroundAndTheSeaSwitchesToSwimming) {
+  const ProgramRun& run = ProgramRun::Get();
+  for (const std::string& problem : run.problems) ADD_FAILURE() << problem;
+
+  float highest = -1e9f, lowest = 1e9f;
+  std::uint32_t firstSwimming = 0;
+  for (const FrameRecord& r : run.frames) {
+    if (r.frame <= kWalkFrom) continue;
+    // Never below the surface. On land no more than a unit above it: a body
+    // that walks down a slope leaves the ground for a frame or two before
+    // gravity brings it back, and at 50 units a second on these slopes that
+    // gap stays far below a unit. In the sea it sinks slowly, at 60 at most.
+    EXPECT_GE(r.position.y, r.ground + kStandHeight - kRestTolerance) << "frame " << r.frame;
+    if (r.ground + kStandHeight >= kWaterLevel) {
+      EXPECT_LE(r.position.y, r.ground + kStandHeight + 1.0f) << "frame " << r.frame;
+    }
+    highest = std::max(highest, r.ground);
+    lowest = std::min(lowest, r.ground);
+
+    // The values follow the height of the frame just ended, in first person.
+    if (r.position.y >= kWaterLevel) {
+      EXPECT_TRUE(Walking(r)) << "frame " << r.frame << " at " << r.position.y;
+    } else {
+      EXPECT_TRUE(Swimming(r)) << "frame " << r.frame << " at " << r.position.y;
+      if (firstSwimming == 0) firstSwimming = r.frame;
+    }
+  }
+  // The way went over ground that rises and falls by far more than a step.
+  EXPECT_GT(highest - lowest, 100.0f);
+  ASSERT_NE(firstSwimming, 0u);
+  // The first look leads over open country to the water: the walk got
+  // there on its own, without a turn.
+  const FrameRecord* shore = run.At(firstSwimming - 1);
+  ASSERT_NE(shore, nullptr);
+  EXPECT_TRUE(Walking(*shore));
+  EXPECT_NEAR(shore->position.x - run.At(kWalkFrom)->position.x,
+              shore->position.z - run.At(kWalkFrom)->position.z, 0.05f);
+}
+
+}  // namespace
+}  // namespace program_test
