@@ -78,6 +78,7 @@ void ProgramRun::Run() {
   exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT);
 
   win32::script::SetFrameCallback(nullptr);
+  if (frames.empty()) problems.push_back("no frame ran: the start failed");
   framesStarted = win32::script::FramesStarted();
   finalPosition = g_App.m_player.GetPosition();
   deviceReleased = g_App.m_device == nullptr;
@@ -179,11 +180,9 @@ void ProgramRun::Plan(std::uint32_t frame) {
     SetWindowPos(m_window, HWND_NOTOPMOST, windowRect.left, windowRect.top, kSmallWidth,
                  kSmallHeight, SWP_NOACTIVATE);
     GetWindowRect(m_window, &smallWindowRect);
+  } else if (device == nullptr) {
+    if (frame == kLossAt) problems.push_back("no device to make lost");
   } else if (frame == kLossAt) {
-    if (device == nullptr) {
-      problems.push_back("no device to make lost");
-      return;
-    }
     beforeLoss = ReadPicture();
     d3d9gl::SimulateDeviceLost(device, false);
   } else if (frame > kLossAt && frame < kResetAllowedAt) {
