@@ -1,14 +1,15 @@
 // FakeDirect3D: a scriptable IDirect3D9 for tests of the enumeration, the
-// searches and device creation, with no GPU and no window.
+// searches, device creation and the render-option check, with no GPU and no
+// window.
 //
 // A test describes adapters (display modes per format, the desktop mode, the
-// device types with their caps, the accepted back buffer and depth formats,
-// the multisample types with their quality counts) and, per operation, a
-// failure to give on the n-th call. The fake counts every call and its own
-// references, and records the last CreateDevice request.
+// device types with their caps, the accepted back buffer, depth and texture
+// formats, the multisample types with their quality counts) and, per
+// operation, a failure to give on the n-th call. The fake counts every call
+// and its own references, and records the last CreateDevice request and the
+// texture format queries.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <set>
 #include <utility>
@@ -39,26 +40,29 @@ class FakeDirect3D final : public IDirect3D9 {
     std::set<D3DFORMAT> backBufferFormats;   // CheckDeviceType accepts these on any adapter format
     bool fullscreenOnly = false;             // CheckDeviceType refuses windowed when set
     std::set<D3DFORMAT> depthFormats;        // CheckDeviceFormat accepts these as depth buffers
+    std::set<D3DFORMAT> textureFormats;      // ... and these as plain textures
     // ... but CheckDepthStencilMatch refuses these pairs of back buffer and depth format
     std::set<std::pair<D3DFORMAT, D3DFORMAT>> unmatchedDepth;
     std::map<D3DMULTISAMPLE_TYPE, DWORD> multiSample;  // type -> quality levels
   };
 
-  // Caps that pass every test of the application's enumeration.
+  // Caps that pass every test of the application's enumeration and offer
+  // every filter and colour op, two stages and 16x anisotropy.
   static D3DCAPS9 GoodCaps(bool hardwareTnL = true, bool pure = false);
-  static D3DDISPLAYMODE Mode(UINT width, UINT height, UINT refresh, D3DFORMAT format);
+  static D3DDISPLAYMODE Mode(UINT width, UINT height, UINT refresh, D3DFORMAT format) {
+    return {width, height, refresh, format};
+  }
   // A usable adapter: X8R8G8B8 desktop 1024x768@60, one HAL device, back
-  // buffers X8R8G8B8 and A8R8G8B8, depth D24S8 and D16, no multisampling.
+  // buffers and textures X8R8G8B8 and A8R8G8B8, depth D24S8 and D16, no
+  // multisampling.
   static Adapter GoodAdapter();
 
-  FakeDirect3D() = default;
-  ~FakeDirect3D() = default;
-
+  explicit FakeDirect3D(std::vector<Adapter> scripted = {}) : adapters(std::move(scripted)) {}
   std::vector<Adapter> adapters;
 
   // Makes the count-th call (0 = the first) of an operation give hr, and
   // every later one too when sticky.
-  void FailOn(Call call, HRESULT hr, int count = 0, bool sticky = false);
+  void FailOn(Call call, HRESULT hr, int count = 0, bool sticky = false) { m_failures[call] = {hr, count, sticky}; }
   int Calls(Call call) const { return m_calls[call]; }
   ULONG References() const { return m_references; }
 
@@ -73,6 +77,16 @@ class FakeDirect3D final : public IDirect3D9 {
   } lastCreate;
   // Adapters asked of GetAdapterDisplayMode, in order.
   std::vector<UINT> displayModeQueries;
+  // Every CheckDeviceFormat question, in order.
+  struct FormatQuery {
+    UINT adapter;
+    D3DDEVTYPE type;
+    D3DFORMAT adapterFormat;
+    DWORD usage;
+    D3DRESOURCETYPE resource;
+    D3DFORMAT format;
+  };
+  std::vector<FormatQuery> formatQueries;
 
   // ---- IDirect3D9 ----
   ULONG AddRef() override { return ++m_references; }
@@ -96,9 +110,9 @@ class FakeDirect3D final : public IDirect3D9 {
                        IDirect3DDevice9** ppReturnedDeviceInterface) override;
 
  private:
-  // Counts the call; gives the scripted failure for it, or S_OK.
-  HRESULT Enter(Call call);
-  const Adapter* Find(UINT ordinal) const { return ordinal < adapters.size() ? &adapters[ordinal] : nullptr; }
+  // Counts the call and gives its scripted failure; otherwise finds the
+  // adapter, which must have a device of `type` unless that is null.
+  HRESULT Enter(Call call, UINT ordinal, const Adapter*& adapter, const D3DDEVTYPE* type = nullptr);
 
   struct Failure {
     HRESULT hr = S_OK;

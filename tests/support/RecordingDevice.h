@@ -2,10 +2,10 @@
 //
 // Every device call is appended to a log as a DeviceCall (method name plus its
 // arguments as numbers), so a test can compare what the code under test sent
-// with what it should have sent. The fake also keeps the current state (render,
-// sampler and stage states with the platform's defaults, bound texture,
-// streams, transforms, viewport, FVF), and makes buffers and textures with real
-// memory, so Lock/LockRect work and the contents can be read back.
+// with what it should have sent. The fake also keeps the current render,
+// sampler and stage states (with the platform's defaults) and transforms, and
+// makes buffers and textures with real memory, so Lock/LockRect work and the
+// contents can be read back.
 //
 // Reference counts behave like the platform's: Create* hands out one
 // reference, SetTexture/SetStreamSource/SetIndices hold one while bound.
@@ -28,46 +28,35 @@
 namespace karvo_test {
 
 // One recorded call. Arguments are numbers in call order: enum values, counts,
-// floats, and pointers as their address (use Ptr()). Equality compares the
-// method and the arguments only; `data` holds a copy of DrawPrimitiveUP's
-// vertices (vertex count times stride bytes).
+// floats, and pointers as their address (use Ptr()).
 struct DeviceCall {
   std::string method;
   std::vector<double> args;
-  std::vector<std::uint8_t> data;
 
   DeviceCall() = default;
   DeviceCall(std::string m, std::vector<double> a = {}) : method(std::move(m)), args(std::move(a)) {}
   bool operator==(const DeviceCall& o) const { return method == o.method && args == o.args; }
 };
 
+// Expected sequences are built from parts: calls + calls.
+using DeviceCalls = std::vector<DeviceCall>;
+inline DeviceCalls operator+(DeviceCalls a, const DeviceCalls& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
 inline double Ptr(const void* p) { return static_cast<double>(reinterpret_cast<std::uintptr_t>(p)); }
 
 inline std::ostream& operator<<(std::ostream& os, const DeviceCall& c) {
   os << c.method << "(";
   for (std::size_t i = 0; i < c.args.size(); ++i) {
-    double v = c.args[i];
-    os << (i ? ", " : "");
     // Whole numbers (enums, counts, addresses) print exactly, in full.
-    if (v == static_cast<double>(static_cast<long long>(v)))
-      os << static_cast<long long>(v);
-    else
-      os << v;
+    const double v = c.args[i];
+    os << (i ? ", " : "");
+    if (v == static_cast<double>(static_cast<long long>(v))) os << static_cast<long long>(v);
+    else os << v;
   }
   return os << ")";
-}
-
-// Vertices that `count` primitives of `type` take.
-inline UINT VerticesFor(D3DPRIMITIVETYPE type, UINT count) {
-  switch (type) {
-    case D3DPT_POINTLIST: return count;
-    case D3DPT_LINELIST: return count * 2;
-    case D3DPT_LINESTRIP: return count + 1;
-    case D3DPT_TRIANGLELIST: return count * 3;
-    case D3DPT_TRIANGLESTRIP:
-    case D3DPT_TRIANGLEFAN: return count + 2;
-  }
-  return 0;
 }
 
 namespace detail {
@@ -80,34 +69,46 @@ struct SharedLog {
   HRESULT lockResult = D3D_OK;
 };
 
+// One reference from Create*; the last Release deletes and is counted.
 template <class Interface>
-class FakeBuffer : public Interface {
+class FakeResource : public Interface {
  public:
-  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, DWORD format,
-             D3DPOOL pool)
-      : log_(std::move(log)), kind_(kind), bytes_(length), usage_(usage), format_(format), pool_(pool) {
-    ++log_->liveResources;
-  }
   ULONG AddRef() override { return ++refs_; }
   ULONG Release() override {
-    ULONG left = --refs_;
+    const ULONG left = --refs_;
     if (left == 0) {
       --log_->liveResources;
       delete this;
     }
     return left;
   }
+
+ protected:
+  explicit FakeResource(std::shared_ptr<SharedLog> log) : log_(std::move(log)) { ++log_->liveResources; }
+  ~FakeResource() override = default;
+  std::shared_ptr<SharedLog> log_;
+
+ private:
+  ULONG refs_ = 1;
+};
+
+template <class Interface>
+class FakeBuffer : public FakeResource<Interface> {
+ public:
+  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, DWORD format, D3DPOOL pool)
+      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), format_(format),
+        pool_(pool) {}
   HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
-    log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
+    this->log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
     if (data == nullptr || offset > bytes_.size() || (size != 0 && offset + size > bytes_.size()))
       return D3DERR_INVALIDCALL;
-    if (log_->lockResult < 0) return log_->lockResult;
+    if (this->log_->lockResult < 0) return this->log_->lockResult;
     *data = bytes_.data() + offset;
     locked_ = true;
     return D3D_OK;
   }
   HRESULT Unlock() override {
-    log_->calls.push_back({kind_ + ".Unlock"});
+    this->log_->calls.push_back({kind_ + ".Unlock"});
     if (!locked_) return D3DERR_INVALIDCALL;
     locked_ = false;
     return D3D_OK;
@@ -117,69 +118,31 @@ class FakeBuffer : public Interface {
   DWORD Usage() const { return usage_; }
   DWORD Format() const { return format_; }  // FVF of a vertex buffer, D3DFORMAT of an index buffer
   D3DPOOL Pool() const { return pool_; }
-  ULONG RefCount() const { return refs_; }
   bool Locked() const { return locked_; }
 
  private:
-  ~FakeBuffer() override = default;
-  std::shared_ptr<SharedLog> log_;
   std::string kind_;
   std::vector<std::uint8_t> bytes_;
   DWORD usage_;
   DWORD format_;
   D3DPOOL pool_;
-  ULONG refs_ = 1;
   bool locked_ = false;
 };
 
-inline UINT BytesPerTexel(D3DFORMAT f) {
-  switch (f) {
-    case D3DFMT_A8R8G8B8:
-    case D3DFMT_X8R8G8B8:
-    case D3DFMT_A8B8G8R8:
-    case D3DFMT_X8B8G8R8:
-    case D3DFMT_A2R10G10B10: return 4;
-    case D3DFMT_R8G8B8: return 3;
-    case D3DFMT_L8:
-    case D3DFMT_A8: return 1;
-    default: return 2;
-  }
-}
-
-class FakeTexture : public IDirect3DTexture9 {
+// A mip chain of 4-byte texels whatever the format: room for every format the
+// D3DX loaders write.
+class FakeTexture : public FakeResource<IDirect3DTexture9> {
  public:
   FakeTexture(std::shared_ptr<SharedLog> log, UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format,
               D3DPOOL pool)
-      : log_(std::move(log)), usage_(usage), format_(format), pool_(pool) {
-    ++log_->liveResources;
+      : FakeResource(std::move(log)), usage_(usage), format_(format), pool_(pool) {
     UINT full = 1;
     for (UINT s = w > h ? w : h; s > 1; s >>= 1) ++full;
     if (levels == 0 || levels > full) levels = full;
-    for (UINT i = 0; i < levels; ++i) {
-      Level l;
-      l.width = w > 1 ? w : 1;
-      l.height = h > 1 ? h : 1;
-      bool dxt = format == D3DFMT_DXT1 || format == D3DFMT_DXT3 || format == D3DFMT_DXT5;
-      if (dxt) {
-        l.pitch = ((l.width + 3) / 4) * (format == D3DFMT_DXT1 ? 8 : 16);
-        l.texels.resize(std::size_t(l.pitch) * ((l.height + 3) / 4));
-      } else {
-        l.pitch = l.width * BytesPerTexel(format);
-        l.texels.resize(std::size_t(l.pitch) * l.height);
-      }
-      levels_.push_back(std::move(l));
-      w /= 2;
-      h /= 2;
+    for (UINT i = 0; i < levels; ++i, w /= 2, h /= 2) {
+      const UINT lw = w > 1 ? w : 1, lh = h > 1 ? h : 1;
+      levels_.push_back({lw, lh, std::vector<std::uint8_t>(std::size_t(lw) * lh * 4)});
     }
-  }
-  ULONG AddRef() override { return ++refs_; }
-  ULONG Release() override {
-    ULONG left = --refs_;
-    if (left == 0) {
-      --log_->liveResources;
-      delete this;
-    }
-    return left;
   }
   DWORD GetLevelCount() override { return DWORD(levels_.size()); }
   HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override {
@@ -192,7 +155,7 @@ class FakeTexture : public IDirect3DTexture9 {
     log_->calls.push_back({"Texture.LockRect", {double(level), Ptr(area), double(flags)}});
     if (level >= levels_.size() || rect == nullptr || area != nullptr) return D3DERR_INVALIDCALL;
     if (log_->lockResult < 0) return log_->lockResult;
-    rect->Pitch = INT(levels_[level].pitch);
+    rect->Pitch = INT(levels_[level].width * 4);
     rect->pBits = levels_[level].texels.data();
     return D3D_OK;
   }
@@ -201,41 +164,25 @@ class FakeTexture : public IDirect3DTexture9 {
     return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
   }
 
-  // Texel (x, y) of a level as a 32-bit word (4-byte formats only).
-  std::uint32_t Texel(UINT level, UINT x, UINT y) const {
-    std::uint32_t v = 0;
-    const Level& l = levels_.at(level);
-    std::memcpy(&v, l.texels.data() + std::size_t(y) * l.pitch + std::size_t(x) * 4, 4);
-    return v;
-  }
-  D3DFORMAT Format() const { return format_; }
-  D3DPOOL Pool() const { return pool_; }
-  ULONG RefCount() const { return refs_; }
-
  private:
   struct Level {
-    UINT width = 0, height = 0, pitch = 0;
+    UINT width, height;
     std::vector<std::uint8_t> texels;
   };
-  ~FakeTexture() override = default;
-  std::shared_ptr<SharedLog> log_;
   std::vector<Level> levels_;
   DWORD usage_;
   D3DFORMAT format_;
   D3DPOOL pool_;
-  ULONG refs_ = 1;
 };
 
 }  // namespace detail
 
 using FakeVertexBuffer = detail::FakeBuffer<IDirect3DVertexBuffer9>;
 using FakeIndexBuffer = detail::FakeBuffer<IDirect3DIndexBuffer9>;
-using FakeTexture = detail::FakeTexture;
 
-// Only for resources this fake made.
+// Only for buffers this fake made.
 inline FakeVertexBuffer* AsFake(IDirect3DVertexBuffer9* vb) { return static_cast<FakeVertexBuffer*>(vb); }
 inline FakeIndexBuffer* AsFake(IDirect3DIndexBuffer9* ib) { return static_cast<FakeIndexBuffer*>(ib); }
-inline FakeTexture* AsFake(IDirect3DTexture9* t) { return static_cast<FakeTexture*>(t); }
 
 class RecordingDevice : public IDirect3DDevice9 {
  public:
@@ -250,7 +197,8 @@ class RecordingDevice : public IDirect3DDevice9 {
 
   RecordingDevice() : log_(std::make_shared<detail::SharedLog>()) {}
   ~RecordingDevice() override {
-    for (auto& t : textures_) Unbind(t.second);
+    for (auto& t : textures_)
+      if (t.second) t.second->Release();
     if (stream_) stream_->Release();
     if (indices_) indices_->Release();
   }
@@ -275,32 +223,12 @@ class RecordingDevice : public IDirect3DDevice9 {
   int LiveResources() const { return log_->liveResources; }
   DWORD RenderState(D3DRENDERSTATETYPE s) const {
     auto it = renderStates_.find(s);
-    if (it != renderStates_.end()) return it->second;
-    switch (s) {
-      case D3DRS_ZENABLE: return D3DZB_TRUE;
-      case D3DRS_FILLMODE: return D3DFILL_SOLID;
-      case D3DRS_SHADEMODE: return D3DSHADE_GOURAUD;
-      case D3DRS_ZWRITEENABLE: return TRUE;
-      case D3DRS_SRCBLEND: return D3DBLEND_ONE;
-      case D3DRS_DESTBLEND: return D3DBLEND_ZERO;
-      case D3DRS_CULLMODE: return D3DCULL_CCW;
-      case D3DRS_ZFUNC: return D3DCMP_LESSEQUAL;
-      case D3DRS_LIGHTING: return TRUE;
-      default: return 0;
-    }
+    return it != renderStates_.end() ? it->second : 0;
   }
   DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const {
     auto it = samplerStates_.find({sampler, t});
     if (it != samplerStates_.end()) return it->second;
-    switch (t) {
-      case D3DSAMP_ADDRESSU:
-      case D3DSAMP_ADDRESSV: return D3DTADDRESS_WRAP;
-      case D3DSAMP_MAGFILTER:
-      case D3DSAMP_MINFILTER: return D3DTEXF_POINT;
-      case D3DSAMP_MIPFILTER: return D3DTEXF_NONE;
-      case D3DSAMP_MAXANISOTROPY: return 1;
-    }
-    return 0;
+    return t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : 1;  // WRAP, POINT and anisotropy 1 are all 1
   }
   DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const {
     auto it = stageStates_.find({stage, t});
@@ -316,10 +244,6 @@ class RecordingDevice : public IDirect3DDevice9 {
     }
     return 0;
   }
-  IDirect3DBaseTexture9* Texture(DWORD stage) const {
-    auto it = textures_.find(stage);
-    return it == textures_.end() ? nullptr : it->second;
-  }
   // The last matrix set for `t`; identity when none was.
   D3DMATRIX Transform(D3DTRANSFORMSTATETYPE t) const {
     auto it = transforms_.find(DWORD(t));
@@ -328,12 +252,6 @@ class RecordingDevice : public IDirect3DDevice9 {
     m._11 = m._22 = m._33 = m._44 = 1.0f;
     return m;
   }
-  const D3DVIEWPORT9& Viewport() const { return viewport_; }
-  DWORD FVF() const { return fvf_; }
-  IDirect3DVertexBuffer9* StreamSource() const { return stream_; }
-  UINT StreamStride() const { return streamStride_; }
-  IDirect3DIndexBuffer9* Indices() const { return indices_; }
-  bool InScene() const { return inScene_; }
   const D3DPRESENT_PARAMETERS& LastResetParameters() const { return lastReset_; }
 
   // ---- IDirect3DDevice9 ---------------------------------------------------------------
@@ -346,10 +264,7 @@ class RecordingDevice : public IDirect3DDevice9 {
     return testCooperativeLevelResult;
   }
   HRESULT Reset(D3DPRESENT_PARAMETERS* pp) override {
-    if (pp == nullptr) {
-      Log("Reset", {0});
-      return D3DERR_INVALIDCALL;
-    }
+    if (pp == nullptr) return Log("Reset", {0}), D3DERR_INVALIDCALL;
     Log("Reset", {double(pp->BackBufferWidth), double(pp->BackBufferHeight), double(pp->BackBufferFormat),
                   double(pp->MultiSampleType), double(pp->Windowed), double(pp->AutoDepthStencilFormat),
                   double(pp->PresentationInterval)});
@@ -364,42 +279,29 @@ class RecordingDevice : public IDirect3DDevice9 {
   HRESULT CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                         IDirect3DTexture9** out, HANDLE* shared) override {
     Log("CreateTexture", {double(w), double(h), double(levels), double(usage), double(format), double(pool)});
-    if (out == nullptr || shared != nullptr || w == 0 || h == 0) return D3DERR_INVALIDCALL;
-    *out = nullptr;
-    if (!TakeCreate()) return createFailure;
-    *out = new FakeTexture(log_, w, h, levels, usage, format, pool);
-    return D3D_OK;
+    return Create(out, shared, w * h,
+                  [&] { return new detail::FakeTexture(log_, w, h, levels, usage, format, pool); });
   }
   HRESULT CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool, IDirect3DVertexBuffer9** out,
                              HANDLE* shared) override {
     Log("CreateVertexBuffer", {double(length), double(usage), double(fvf), double(pool)});
-    if (out == nullptr || shared != nullptr || length == 0) return D3DERR_INVALIDCALL;
-    *out = nullptr;
-    if (!TakeCreate()) return createFailure;
-    *out = new FakeVertexBuffer(log_, "VertexBuffer", length, usage, fvf, pool);
-    return D3D_OK;
+    return Create(out, shared, length,
+                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, fvf, pool); });
   }
   HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
                             HANDLE* shared) override {
     Log("CreateIndexBuffer", {double(length), double(usage), double(format), double(pool)});
-    if (out == nullptr || shared != nullptr || length == 0) return D3DERR_INVALIDCALL;
-    *out = nullptr;
-    if (!TakeCreate()) return createFailure;
-    *out = new FakeIndexBuffer(log_, "IndexBuffer", length, usage, format, pool);
-    return D3D_OK;
+    return Create(out, shared, length,
+                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, format, pool); });
   }
 
   HRESULT BeginScene() override {
     Log("BeginScene");
-    if (inScene_) return D3DERR_INVALIDCALL;
-    inScene_ = true;
-    return D3D_OK;
+    return std::exchange(inScene_, true) ? D3DERR_INVALIDCALL : D3D_OK;
   }
   HRESULT EndScene() override {
     Log("EndScene");
-    if (!inScene_) return D3DERR_INVALIDCALL;
-    inScene_ = false;
-    return D3D_OK;
+    return std::exchange(inScene_, false) ? D3D_OK : D3DERR_INVALIDCALL;
   }
   HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z, DWORD stencil) override {
     Log("Clear", {double(count), Ptr(rects), double(flags), double(color), double(z), double(stencil)});
@@ -417,13 +319,9 @@ class RecordingDevice : public IDirect3DDevice9 {
     return D3D_OK;
   }
   HRESULT SetViewport(const D3DVIEWPORT9* vp) override {
-    if (vp == nullptr) {
-      Log("SetViewport");
-      return D3DERR_INVALIDCALL;
-    }
+    if (vp == nullptr) return Log("SetViewport"), D3DERR_INVALIDCALL;
     Log("SetViewport", {double(vp->X), double(vp->Y), double(vp->Width), double(vp->Height), double(vp->MinZ),
                         double(vp->MaxZ)});
-    viewport_ = *vp;
     return D3D_OK;
   }
   HRESULT SetRenderState(D3DRENDERSTATETYPE s, DWORD v) override {
@@ -433,9 +331,7 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT SetTexture(DWORD stage, IDirect3DBaseTexture9* t) override {
     Log("SetTexture", {double(stage), Ptr(t)});
-    if (t) t->AddRef();
-    Unbind(textures_[stage]);
-    textures_[stage] = t;
+    Bind(textures_[stage], t);
     return D3D_OK;
   }
   HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t, DWORD v) override {
@@ -450,23 +346,17 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT SetFVF(DWORD fvf) override {
     Log("SetFVF", {double(fvf)});
-    fvf_ = fvf;
     return D3D_OK;
   }
   HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset, UINT stride) override {
     Log("SetStreamSource", {double(stream), Ptr(vb), double(offset), double(stride)});
     if (stream != 0) return D3DERR_INVALIDCALL;
-    if (vb) vb->AddRef();
-    if (stream_) stream_->Release();
-    stream_ = vb;
-    streamStride_ = stride;
+    Bind(stream_, vb);
     return D3D_OK;
   }
   HRESULT SetIndices(IDirect3DIndexBuffer9* ib) override {
     Log("SetIndices", {Ptr(ib)});
-    if (ib) ib->AddRef();
-    if (indices_) indices_->Release();
-    indices_ = ib;
+    Bind(indices_, ib);
     return D3D_OK;
   }
   HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base, UINT minIndex, UINT numVertices, UINT start,
@@ -476,41 +366,44 @@ class RecordingDevice : public IDirect3DDevice9 {
     return stream_ && indices_ ? D3D_OK : D3DERR_INVALIDCALL;
   }
   HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices, UINT stride) override {
-    DeviceCall c{"DrawPrimitiveUP", {double(type), double(count), double(stride)}};
-    if (vertices == nullptr || count == 0 || stride == 0) {
-      log_->calls.push_back(std::move(c));
-      return D3DERR_INVALIDCALL;
-    }
-    const auto* bytes = static_cast<const std::uint8_t*>(vertices);
-    c.data.assign(bytes, bytes + std::size_t(VerticesFor(type, count)) * stride);
-    log_->calls.push_back(std::move(c));
-    return D3D_OK;
+    Log("DrawPrimitiveUP", {double(type), double(count), double(stride)});
+    return vertices == nullptr || count == 0 || stride == 0 ? D3DERR_INVALIDCALL : D3D_OK;
   }
 
  private:
   void Log(const char* method, std::vector<double> args = {}) { log_->calls.push_back({method, std::move(args)}); }
-  bool TakeCreate() {
-    if (createsBeforeFailure == 0) return false;
+  // Hands out a new resource unless the arguments are bad or a failure is due.
+  template <class T, class Make>
+  HRESULT Create(T** out, HANDLE* shared, UINT size, Make make) {
+    if (out == nullptr || shared != nullptr || size == 0) return D3DERR_INVALIDCALL;
+    *out = nullptr;
+    if (createsBeforeFailure == 0) return createFailure;
     if (createsBeforeFailure > 0) --createsBeforeFailure;
-    return true;
+    *out = make();
+    return D3D_OK;
   }
-  static void Unbind(IDirect3DBaseTexture9* t) {
-    if (t) t->Release();
+  // A bound resource holds one reference.
+  template <class T>
+  static void Bind(T*& slot, T* resource) {
+    if (resource) resource->AddRef();
+    if (slot) slot->Release();
+    slot = resource;
   }
 
   std::shared_ptr<detail::SharedLog> log_;
   ULONG refs_ = 1;
-  std::map<DWORD, DWORD> renderStates_;
+  bool inScene_ = false;
+  // The platform's defaults for the render states; unlisted ones start at 0.
+  std::map<DWORD, DWORD> renderStates_{
+      {D3DRS_ZENABLE, D3DZB_TRUE},     {D3DRS_FILLMODE, D3DFILL_SOLID},    {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
+      {D3DRS_ZWRITEENABLE, TRUE},      {D3DRS_SRCBLEND, D3DBLEND_ONE},     {D3DRS_DESTBLEND, D3DBLEND_ZERO},
+      {D3DRS_CULLMODE, D3DCULL_CCW},   {D3DRS_ZFUNC, D3DCMP_LESSEQUAL},    {D3DRS_LIGHTING, TRUE}};
   std::map<std::pair<DWORD, DWORD>, DWORD> samplerStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;
   std::map<DWORD, D3DMATRIX> transforms_;
-  D3DVIEWPORT9 viewport_{0, 0, 0, 0, 0.0f, 1.0f};
-  DWORD fvf_ = 0;
   IDirect3DVertexBuffer9* stream_ = nullptr;
-  UINT streamStride_ = 0;
   IDirect3DIndexBuffer9* indices_ = nullptr;
-  bool inScene_ = false;
   D3DPRESENT_PARAMETERS lastReset_{};
 };
 
