@@ -11,97 +11,92 @@
 namespace {
 
 using Fake = FakeDirect3D;
+using Intervals = std::vector<std::uint32_t>;
+using Types = std::vector<D3DDEVTYPE>;
+constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
 
-D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return Fake::Mode(w, h, r, f); }
+D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return {w, h, r, f}; }
+
+// A scripted object with `count` usable adapters.
+Fake Adapters(int count = 1) {
+  Fake d3d;
+  d3d.adapters.assign(count, Fake::GoodAdapter());
+  return d3d;
+}
 
 // All options of all devices of all adapters, flattened.
 std::vector<const CD3DOptionRecord*> AllOptions(const CD3DInitialize& init) {
   std::vector<const CD3DOptionRecord*> options;
   for (const CD3DAdapterRecord* adapter : init.m_adapters)
     for (const CD3DDeviceRecord* device : adapter->m_devices)
-      for (const CD3DOptionRecord* option : device->m_options) options.push_back(option);
+      options.insert(options.end(), device->m_options.begin(), device->m_options.end());
   return options;
 }
 
-std::vector<D3DDEVTYPE> DeviceTypes(const CD3DAdapterRecord& adapter) {
-  std::vector<D3DDEVTYPE> types;
+Types DeviceTypes(const CD3DAdapterRecord& adapter) {
+  Types types;
   for (const CD3DDeviceRecord* device : adapter.m_devices) types.push_back(device->m_deviceType);
   return types;
 }
 
-TEST(Enumeration, NullObjectIsRefusedAndNothingHappens) {
-  CMyD3DInit init;
-  EXPECT_EQ(init.Enumerate(nullptr), E_FAIL);
-  EXPECT_EQ(init.m_d3d, nullptr);
-  EXPECT_EQ(init.GetAdapterCount(), 0u);
-  EXPECT_EQ(init.GetAdapter(0), nullptr);
-}
+TEST(Enumeration, NullObjectIsRefusedAnEmptyMachineIsNoFailureAndTheObjectIsHeldOnce) {
+  CMyD3DInit null;
+  EXPECT_EQ(null.Enumerate(nullptr), E_FAIL);
+  EXPECT_EQ(null.m_d3d, nullptr);
+  Fake none;
+  EXPECT_EQ(CMyD3DInit().Enumerate(&none), S_OK);
 
-TEST(Enumeration, HoldsOneReferenceAndDropsItWithTheObject) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
+  Fake unusable = Adapters(2);
+  unusable.adapters[0].modes = {Mode(320, 200, 60, X8)};  // no mode
+  unusable.adapters[1].devices.clear();                   // no device
+  CMyD3DInit empty;
+  EXPECT_EQ(empty.Enumerate(&unusable), S_OK);
+  EXPECT_EQ(empty.GetAdapterCount(), 0u);
+  EXPECT_EQ(empty.GetAdapter(0), nullptr);
+
+  Fake d3d = Adapters();
   {
     CMyD3DInit init;
     ASSERT_EQ(init.Enumerate(&d3d), S_OK);
     EXPECT_EQ(d3d.References(), 2u);
     ASSERT_EQ(init.GetAdapterCount(), 1u);
-    EXPECT_NE(init.GetAdapter(0), nullptr);
     EXPECT_EQ(init.GetAdapter(1), nullptr);
   }
   EXPECT_EQ(d3d.References(), 1u);
 }
 
-TEST(Enumeration, NoAdapterOrOnlyUnusableOnesIsStillSuccess) {
-  Fake none;
-  CMyD3DInit empty;
-  EXPECT_EQ(empty.Enumerate(&none), S_OK);
-  EXPECT_EQ(empty.GetAdapterCount(), 0u);
-
-  Fake unusable;
-  unusable.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter()};
-  unusable.adapters[0].modes = {Mode(320, 200, 60, D3DFMT_X8R8G8B8)};  // no mode
-  unusable.adapters[1].devices.clear();                                  // no device
-  CMyD3DInit init;
-  EXPECT_EQ(init.Enumerate(&unusable), S_OK);
-  EXPECT_EQ(init.GetAdapterCount(), 0u);
-}
-
 TEST(Enumeration, AdapterWithoutAUsableModeIsDroppedAndTheNextTried) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter()};
-  d3d.adapters[0].modes = {Mode(639, 480, 60, D3DFMT_X8R8G8B8), Mode(640, 479, 60, D3DFMT_X8R8G8B8),
-                           Mode(800, 600, 59, D3DFMT_X8R8G8B8)};
-  d3d.adapters[1].modes = {Mode(640, 480, 60, D3DFMT_X8R8G8B8), Mode(640, 480, 60, D3DFMT_X8R8G8B8)};
+  Fake d3d = Adapters(2);
+  d3d.adapters[0].modes = {Mode(639, 480, 60, X8), Mode(640, 479, 60, X8), Mode(800, 600, 59, X8)};
+  d3d.adapters[1].modes = {Mode(640, 480, 60, X8), Mode(640, 480, 60, X8)};
   CMyD3DInit init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   ASSERT_EQ(init.GetAdapterCount(), 1u);
   EXPECT_EQ(init.GetAdapter(0)->m_ordinal, 1u);
   EXPECT_EQ(init.GetAdapter(0)->m_modes.size(), 2u) << "duplicates are kept";
 
-  // The base class refuses no mode.
-  CD3DInitialize base;
+  CD3DInitialize base;  // which refuses no mode
   ASSERT_EQ(base.Enumerate(&d3d), S_OK);
   ASSERT_EQ(base.GetAdapterCount(), 2u);
   EXPECT_EQ(base.GetAdapter(0)->m_modes.size(), 3u);
 }
 
 TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
+  Fake d3d = Adapters();
   d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(800, 600, 60, D3DFMT_A8R8G8B8),
-                           Mode(1024, 768, 60, D3DFMT_X1R5G5B5), Mode(1024, 768, 60, D3DFMT_X8R8G8B8)};
+                           Mode(1024, 768, 60, D3DFMT_X1R5G5B5), Mode(1024, 768, 60, X8)};
   d3d.adapters[0].backBufferFormats = {D3DFMT_R5G6B5};
   CD3DInitialize init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   const std::vector<D3DDISPLAYMODE>& modes = init.GetAdapter(0)->m_modes;
   ASSERT_EQ(modes.size(), 3u);
-  EXPECT_EQ(modes[0].Format, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(modes[0].Format, X8);
   EXPECT_EQ(modes[1].Format, D3DFMT_X1R5G5B5);
   EXPECT_EQ(modes[2].Format, D3DFMT_R5G6B5);
   // Adapter formats follow the modes: three formats, one back buffer, two flags.
   const auto options = AllOptions(init);
   ASSERT_EQ(options.size(), 6u);
-  EXPECT_EQ(options[0]->m_adapterFormat, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(options[0]->m_adapterFormat, X8);
   EXPECT_FALSE(options[0]->m_windowed);
   EXPECT_TRUE(options[1]->m_windowed);
   EXPECT_EQ(options[2]->m_adapterFormat, D3DFMT_X1R5G5B5);
@@ -109,102 +104,93 @@ TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
 }
 
 TEST(Enumeration, FailingModeListEndsTheWalkButFailingCapsSkipsOneType) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter(), Fake::GoodAdapter(), Fake::GoodAdapter()};
+  Fake d3d = Adapters(3);
   d3d.FailOn(Fake::CALL_EnumAdapterModes, D3DERR_NOTAVAILABLE, 1);  // the second adapter's
   CMyD3DInit init;
   EXPECT_EQ(init.Enumerate(&d3d), D3DERR_NOTAVAILABLE);
   EXPECT_EQ(init.GetAdapterCount(), 1u) << "records already made stay";
   EXPECT_EQ(d3d.Calls(Fake::CALL_GetAdapterIdentifier), 2) << "the third adapter is never tried";
 
-  Fake caps;
-  caps.adapters = {Fake::GoodAdapter()};
+  Fake caps = Adapters();
   caps.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
   caps.FailOn(Fake::CALL_GetDeviceCaps, D3DERR_INVALIDCALL, 0);  // HAL's
   CMyD3DInit skipped;
   ASSERT_EQ(skipped.Enumerate(&caps), S_OK);
   ASSERT_EQ(skipped.GetAdapterCount(), 1u);
-  EXPECT_EQ(DeviceTypes(*skipped.GetAdapter(0)), std::vector<D3DDEVTYPE>{D3DDEVTYPE_REF});
+  EXPECT_EQ(DeviceTypes(*skipped.GetAdapter(0)), Types{D3DDEVTYPE_REF});
 }
 
 TEST(Enumeration, DeviceTypesInOrderAndRefusedCapsDropOnlyThatType) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
-  d3d.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
-  d3d.adapters[0].devices[D3DDEVTYPE_SW] = Fake::GoodCaps();
+  Fake d3d = Adapters();
+  d3d.adapters[0].devices[D3DDEVTYPE_REF] = d3d.adapters[0].devices[D3DDEVTYPE_SW] = Fake::GoodCaps();
   CMyD3DInit all;
   ASSERT_EQ(all.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(DeviceTypes(*all.GetAdapter(0)),
-            (std::vector<D3DDEVTYPE>{D3DDEVTYPE_HAL, D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
+  EXPECT_EQ(DeviceTypes(*all.GetAdapter(0)), (Types{D3DDEVTYPE_HAL, D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
 
   // Each cap the application needs, missing in turn from HAL only.
-  DWORD D3DCAPS9::*const fields[] = {&D3DCAPS9::RasterCaps, &D3DCAPS9::ShadeCaps, &D3DCAPS9::PrimitiveMiscCaps,
-                                     &D3DCAPS9::ZCmpCaps, &D3DCAPS9::TextureOpCaps};
-  for (auto field : fields) {
+  const std::pair<DWORD D3DCAPS9::*, DWORD> needs[] = {
+      {&D3DCAPS9::RasterCaps, D3DPRASTERCAPS_DITHER}, {&D3DCAPS9::ShadeCaps, D3DPSHADECAPS_COLORGOURAUDRGB},
+      {&D3DCAPS9::PrimitiveMiscCaps, D3DPMISCCAPS_CULLCCW}, {&D3DCAPS9::ZCmpCaps, D3DPCMPCAPS_LESSEQUAL},
+      {&D3DCAPS9::TextureOpCaps, D3DTEXOPCAPS_SELECTARG1}};
+  for (const auto& [field, bit] : needs) {
     Fake lacking = d3d;
-    lacking.adapters[0].devices[D3DDEVTYPE_HAL].*field = 0;
+    lacking.adapters[0].devices[D3DDEVTYPE_HAL].*field &= ~bit;
     CMyD3DInit init;
     ASSERT_EQ(init.Enumerate(&lacking), S_OK);
     ASSERT_EQ(init.GetAdapterCount(), 1u);
-    EXPECT_EQ(DeviceTypes(*init.GetAdapter(0)), (std::vector<D3DDEVTYPE>{D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
+    EXPECT_EQ(DeviceTypes(*init.GetAdapter(0)), (Types{D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
     CD3DInitialize base;  // which looks at no cap
     ASSERT_EQ(base.Enumerate(&lacking), S_OK);
     EXPECT_EQ(base.GetAdapter(0)->m_devices.size(), 3u);
   }
 }
 
-TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerType) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
+TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrder) {
+  Fake d3d = Adapters();
   d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(1024, 768, 60, D3DFMT_R5G6B5)};
   d3d.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
-  d3d.adapters[0].backBufferFormats = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8,   D3DFMT_R5G6B5,
-                                       D3DFMT_A1R5G5B5, D3DFMT_X1R5G5B5, D3DFMT_R3G3B2,     D3DFMT_A8R3G3B2,
-                                       D3DFMT_X4R4G4B4, D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10, D3DFMT_A8B8G8R8};
+  const std::vector<D3DFORMAT> table = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, X8,
+                                        D3DFMT_R5G6B5,   D3DFMT_A1R5G5B5, D3DFMT_X1R5G5B5,
+                                        D3DFMT_R3G3B2,   D3DFMT_A8R3G3B2, D3DFMT_X4R4G4B4,
+                                        D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10};
+  d3d.adapters[0].backBufferFormats = {table.begin(), table.end()};
+  d3d.adapters[0].backBufferFormats.insert(D3DFMT_A8B8G8R8);  // no candidate
   CMyD3DInit init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  const std::vector<D3DFORMAT> tableOrder = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8, D3DFMT_R5G6B5,
-                                             D3DFMT_A1R5G5B5, D3DFMT_X1R5G5B5, D3DFMT_R3G3B2,   D3DFMT_A8R3G3B2,
-                                             D3DFMT_X4R4G4B4, D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10};
   for (const CD3DDeviceRecord* device : init.GetAdapter(0)->m_devices) {
-    ASSERT_EQ(device->m_options.size(), 22u) << "A8B8G8R8 is no candidate";
+    ASSERT_EQ(device->m_options.size(), 22u);
     for (size_t i = 0; i < device->m_options.size(); ++i) {
       const CD3DOptionRecord& option = *device->m_options[i];
       EXPECT_EQ(option.m_adapterFormat, D3DFMT_R5G6B5);
-      EXPECT_EQ(option.m_backBufferFormat, tableOrder[i / 2]);
+      EXPECT_EQ(option.m_backBufferFormat, table[i / 2]);
       EXPECT_EQ(option.m_windowed, i % 2 == 1) << "full screen first";
       EXPECT_EQ(option.m_deviceType, device->m_deviceType);
     }
   }
 }
 
-TEST(Enumeration, OptionWithoutDepthFormatIsDroppedAndTheNextCombinationTried) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
+TEST(Enumeration, DepthFormatsInTableOrderAndAnOptionWithoutOneIsDropped) {
+  Fake d3d = Adapters();
+  d3d.adapters[0].depthFormats = {D3DFMT_D15S1,   D3DFMT_D16, D3DFMT_D24S8,       D3DFMT_D24X8,
+                                  D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
+  CMyD3DInit all;
+  ASSERT_EQ(all.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(AllOptions(all)[0]->m_depthFormats, (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8,
+                                                                         D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1}));
+
   d3d.adapters[0].depthFormats = {D3DFMT_D16};
   d3d.adapters[0].unmatchedDepth = {{D3DFMT_A8R8G8B8, D3DFMT_D16}};
   CMyD3DInit init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   const auto options = AllOptions(init);
   ASSERT_EQ(options.size(), 2u);
-  for (const CD3DOptionRecord* option : options) EXPECT_EQ(option->m_backBufferFormat, D3DFMT_X8R8G8B8);
+  for (const CD3DOptionRecord* option : options) EXPECT_EQ(option->m_backBufferFormat, X8);
 
   // No depth format at all: no option, no device, no adapter.
   d3d.adapters[0].depthFormats.clear();
   CMyD3DInit none;
   ASSERT_EQ(none.Enumerate(&d3d), S_OK);
   EXPECT_EQ(none.GetAdapterCount(), 0u);
-}
-
-TEST(Enumeration, DepthFormatsInTableOrder) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
-  d3d.adapters[0].depthFormats = {D3DFMT_D15S1, D3DFMT_D16, D3DFMT_D24S8, D3DFMT_D24X8,
-                                  D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
-  CMyD3DInit init;
-  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(AllOptions(init)[0]->m_depthFormats,
-            (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8, D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1}));
 }
 
 // Refuses four samples, to show that the quality list follows the types.
@@ -214,17 +200,15 @@ class NoFourSamples : public CD3DInitialize {
 };
 
 TEST(Enumeration, QualityListRunsAlongsideTheTypeList) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
-  d3d.adapters[0].multiSample = {{D3DMULTISAMPLE_NONE, 1},
-                                 {D3DMULTISAMPLE_2_SAMPLES, 4},
-                                 {D3DMULTISAMPLE_4_SAMPLES, 3},
-                                 {D3DMULTISAMPLE_16_SAMPLES, 2}};
+  Fake d3d = Adapters();
+  d3d.adapters[0].multiSample = {{D3DMULTISAMPLE_NONE, 1}, {D3DMULTISAMPLE_2_SAMPLES, 4},
+                                 {D3DMULTISAMPLE_4_SAMPLES, 3}, {D3DMULTISAMPLE_16_SAMPLES, 2}};
   NoFourSamples init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   for (const CD3DOptionRecord* option : AllOptions(init)) {
-    EXPECT_EQ(option->m_multiSampleTypes, (std::vector<D3DMULTISAMPLE_TYPE>{
-                                              D3DMULTISAMPLE_NONE, D3DMULTISAMPLE_2_SAMPLES, D3DMULTISAMPLE_16_SAMPLES}));
+    EXPECT_EQ(option->m_multiSampleTypes, (std::vector<D3DMULTISAMPLE_TYPE>{D3DMULTISAMPLE_NONE,
+                                                                            D3DMULTISAMPLE_2_SAMPLES,
+                                                                            D3DMULTISAMPLE_16_SAMPLES}));
     EXPECT_EQ(option->m_multiSampleQualities, (std::vector<std::uint32_t>{1, 4, 2}));
   }
 
@@ -236,20 +220,18 @@ TEST(Enumeration, QualityListRunsAlongsideTheTypeList) {
 }
 
 TEST(Enumeration, VertexProcessingFromMostToLeastHardwareAndNeverMixedForTheApplication) {
-  struct Case {
+  const struct {
     D3DCAPS9 caps;
     std::vector<VERTEXPROCESSING_TYPE> base, application;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {Fake::GoodCaps(true, true), {PURE_HARDWARE_VP, HARDWARE_VP, MIXED_VP, SOFTWARE_VP},
        {PURE_HARDWARE_VP, HARDWARE_VP, SOFTWARE_VP}},
       {Fake::GoodCaps(true, false), {HARDWARE_VP, MIXED_VP, SOFTWARE_VP}, {HARDWARE_VP, SOFTWARE_VP}},
       // A pure device without hardware transform is no hardware device at all.
       {Fake::GoodCaps(false, true), {SOFTWARE_VP}, {SOFTWARE_VP}},
   };
-  for (const Case& c : cases) {
-    Fake d3d;
-    d3d.adapters = {Fake::GoodAdapter()};
+  for (const auto& c : cases) {
+    Fake d3d = Adapters();
     d3d.adapters[0].devices[D3DDEVTYPE_HAL] = c.caps;
     CD3DInitialize base;
     CMyD3DInit application;
@@ -262,30 +244,30 @@ TEST(Enumeration, VertexProcessingFromMostToLeastHardwareAndNeverMixedForTheAppl
 }
 
 TEST(Enumeration, PresentIntervalsFollowCapsAndWindowsStopAtOne) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
-  d3d.adapters[0].backBufferFormats = {D3DFMT_X8R8G8B8};
-  CMyD3DInit init;
-  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  auto options = AllOptions(init);
-  ASSERT_EQ(options.size(), 2u);
-  EXPECT_EQ(options[0]->m_presentIntervals,
-            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT,
-                                        D3DPRESENT_INTERVAL_ONE, D3DPRESENT_INTERVAL_TWO, D3DPRESENT_INTERVAL_THREE,
-                                        D3DPRESENT_INTERVAL_FOUR}));
-  EXPECT_EQ(options[1]->m_presentIntervals,
-            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT,
-                                        D3DPRESENT_INTERVAL_ONE}));
-
-  // A device that lists no interval still has DEFAULT.
-  d3d.adapters[0].devices[D3DDEVTYPE_HAL].PresentationIntervals = D3DPRESENT_INTERVAL_TWO;
-  CMyD3DInit bare;
-  ASSERT_EQ(bare.Enumerate(&d3d), S_OK);
-  options = AllOptions(bare);
-  ASSERT_EQ(options.size(), 2u);
-  EXPECT_EQ(options[0]->m_presentIntervals,
-            (std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_TWO}));
-  EXPECT_EQ(options[1]->m_presentIntervals, std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT});
+  const struct {
+    DWORD caps;
+    Intervals fullScreen, windowed;
+  } cases[] = {
+      {Fake::GoodCaps().PresentationIntervals,
+       {D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_ONE, D3DPRESENT_INTERVAL_TWO,
+        D3DPRESENT_INTERVAL_THREE, D3DPRESENT_INTERVAL_FOUR},
+       {D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_ONE}},
+      // A device that lists no usable interval still has DEFAULT.
+      {D3DPRESENT_INTERVAL_TWO,
+       {D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_TWO},
+       {D3DPRESENT_INTERVAL_DEFAULT}},
+  };
+  for (const auto& c : cases) {
+    Fake d3d = Adapters();
+    d3d.adapters[0].backBufferFormats = {X8};
+    d3d.adapters[0].devices[D3DDEVTYPE_HAL].PresentationIntervals = c.caps;
+    CMyD3DInit init;
+    ASSERT_EQ(init.Enumerate(&d3d), S_OK);
+    const auto options = AllOptions(init);
+    ASSERT_EQ(options.size(), 2u);
+    EXPECT_EQ(options[0]->m_presentIntervals, c.fullScreen);
+    EXPECT_EQ(options[1]->m_presentIntervals, c.windowed);
+  }
 }
 
 // Refuses every windowed option and every present interval: the hooks reach
@@ -297,15 +279,14 @@ class FullScreenOnly : public CMyD3DInit {
 };
 
 TEST(Enumeration, OptionAndIntervalHooksRefuseCandidates) {
-  Fake d3d;
-  d3d.adapters = {Fake::GoodAdapter()};
+  Fake d3d = Adapters();
   FullScreenOnly init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   const auto options = AllOptions(init);
   ASSERT_EQ(options.size(), 2u);
   for (const CD3DOptionRecord* option : options) {
     EXPECT_FALSE(option->m_windowed);
-    EXPECT_EQ(option->m_presentIntervals, std::vector<std::uint32_t>{D3DPRESENT_INTERVAL_DEFAULT});
+    EXPECT_EQ(option->m_presentIntervals, Intervals{D3DPRESENT_INTERVAL_DEFAULT});
     EXPECT_EQ(option->m_adapterOrdinal, 0u);
     EXPECT_EQ(option->m_caps.ZCmpCaps, D3DPCMPCAPS_LESSEQUAL) << "a copy of the device's caps";
   }

@@ -1,5 +1,5 @@
-// Present parameters from the set in force, and what a window leaves to the
-// device.
+// Present parameters from the set in force: a window leaves size and rate to
+// the device, full screen takes the display mode.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,61 +8,45 @@
 
 namespace {
 
-CD3DSettings TwoSets() {
+TEST(PresentParameters, FromTheSetInForce) {
   CD3DSettings settings{};
-  CD3DDisplaySettings& w = settings.m_windowedSettings;
-  w.m_displayMode = {1600, 1000, 60, D3DFMT_X8R8G8B8};
-  w.m_backBufferFormat = D3DFMT_X8R8G8B8;
-  w.m_depthStencilFormat = D3DFMT_D24S8;
-  w.m_multiSampleType = D3DMULTISAMPLE_4_SAMPLES;
-  w.m_multiSampleQuality = 2;
-  w.m_presentInterval = D3DPRESENT_INTERVAL_ONE;
-  CD3DDisplaySettings& f = settings.m_fullscreenSettings;
-  f.m_displayMode = {1280, 800, 75, D3DFMT_R5G6B5};
-  f.m_backBufferFormat = D3DFMT_R5G6B5;
-  f.m_depthStencilFormat = D3DFMT_D16;
-  f.m_multiSampleType = D3DMULTISAMPLE_NONE;
-  f.m_presentInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
-  return settings;
-}
-
-TEST(PresentParameters, WindowLeavesSizeAndRateToTheDevice) {
-  CD3DSettings settings = TwoSets();
-  settings.m_windowed = true;
-  CD3DInitialize init;
-  D3DPRESENT_PARAMETERS params;
-  std::memset(&params, 0xAB, sizeof params);
-  init.BuildPresentParameters(params, settings, 0);
-  EXPECT_EQ(params.BackBufferWidth, 0u);
-  EXPECT_EQ(params.BackBufferHeight, 0u);
-  EXPECT_EQ(params.FullScreen_RefreshRateInHz, 0u);
-  EXPECT_EQ(params.BackBufferFormat, D3DFMT_X8R8G8B8);
-  EXPECT_EQ(params.BackBufferCount, 1u);
-  EXPECT_EQ(params.MultiSampleType, D3DMULTISAMPLE_4_SAMPLES);
-  EXPECT_EQ(params.MultiSampleQuality, 2u);
-  EXPECT_EQ(params.SwapEffect, D3DSWAPEFFECT_DISCARD);
-  EXPECT_EQ(params.hDeviceWindow, nullptr);
-  EXPECT_TRUE(params.Windowed);
-  EXPECT_TRUE(params.EnableAutoDepthStencil);
-  EXPECT_EQ(params.AutoDepthStencilFormat, D3DFMT_D24S8);
-  EXPECT_EQ(params.Flags, static_cast<DWORD>(D3DPRESENTFLAG_DISCARD_DEPTHSTENCIL));
-  EXPECT_EQ(params.PresentationInterval, static_cast<UINT>(D3DPRESENT_INTERVAL_ONE));
-}
-
-TEST(PresentParameters, FullScreenTakesTheDisplayMode) {
-  CD3DSettings settings = TwoSets();
-  settings.m_windowed = false;
-  CD3DInitialize init;
-  D3DPRESENT_PARAMETERS params;
-  init.BuildPresentParameters(params, settings, 0x1);
-  EXPECT_EQ(params.BackBufferWidth, 1280u);
-  EXPECT_EQ(params.BackBufferHeight, 800u);
-  EXPECT_EQ(params.FullScreen_RefreshRateInHz, 75u);
-  EXPECT_EQ(params.BackBufferFormat, D3DFMT_R5G6B5);
-  EXPECT_EQ(params.AutoDepthStencilFormat, D3DFMT_D16);
-  EXPECT_FALSE(params.Windowed);
-  EXPECT_EQ(params.Flags, static_cast<DWORD>(0x1 | D3DPRESENTFLAG_DISCARD_DEPTHSTENCIL));
-  EXPECT_EQ(params.PresentationInterval, static_cast<UINT>(D3DPRESENT_INTERVAL_IMMEDIATE));
+  settings.m_windowedSettings = {0, {1600, 1000, 60, D3DFMT_X8R8G8B8}, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8,
+                                 D3DFMT_D24S8, D3DMULTISAMPLE_4_SAMPLES, 2, HARDWARE_VP, D3DPRESENT_INTERVAL_ONE};
+  settings.m_fullscreenSettings = {0, {1280, 800, 75, D3DFMT_R5G6B5}, D3DDEVTYPE_HAL, D3DFMT_R5G6B5, D3DFMT_D16,
+                                   D3DMULTISAMPLE_NONE, 0, HARDWARE_VP, D3DPRESENT_INTERVAL_IMMEDIATE};
+  const struct {
+    bool windowed;
+    DWORD flags;
+    UINT width, height, rate;
+    D3DFORMAT format, depth;
+    D3DMULTISAMPLE_TYPE samples;
+    DWORD quality;
+    UINT interval;
+  } cases[] = {
+      {true, 0, 0, 0, 0, D3DFMT_X8R8G8B8, D3DFMT_D24S8, D3DMULTISAMPLE_4_SAMPLES, 2, D3DPRESENT_INTERVAL_ONE},
+      {false, 0x1, 1280, 800, 75, D3DFMT_R5G6B5, D3DFMT_D16, D3DMULTISAMPLE_NONE, 0, D3DPRESENT_INTERVAL_IMMEDIATE},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.windowed ? "windowed" : "full screen");
+    settings.m_windowed = c.windowed;
+    D3DPRESENT_PARAMETERS params;
+    std::memset(&params, 0xAB, sizeof params);
+    CD3DInitialize().BuildPresentParameters(params, settings, c.flags);
+    EXPECT_EQ(params.BackBufferWidth, c.width);
+    EXPECT_EQ(params.BackBufferHeight, c.height);
+    EXPECT_EQ(params.FullScreen_RefreshRateInHz, c.rate);
+    EXPECT_EQ(params.BackBufferFormat, c.format);
+    EXPECT_EQ(params.BackBufferCount, 1u);
+    EXPECT_EQ(params.MultiSampleType, c.samples);
+    EXPECT_EQ(params.MultiSampleQuality, c.quality);
+    EXPECT_EQ(params.SwapEffect, D3DSWAPEFFECT_DISCARD);
+    EXPECT_EQ(params.hDeviceWindow, nullptr);
+    EXPECT_EQ(params.Windowed, BOOL(c.windowed));
+    EXPECT_EQ(params.EnableAutoDepthStencil, TRUE);
+    EXPECT_EQ(params.AutoDepthStencilFormat, c.depth);
+    EXPECT_EQ(params.Flags, c.flags | D3DPRESENTFLAG_DISCARD_DEPTHSTENCIL);
+    EXPECT_EQ(params.PresentationInterval, c.interval);
+  }
 }
 
 }  // namespace

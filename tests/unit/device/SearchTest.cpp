@@ -8,13 +8,24 @@
 #include "device/D3DInitialize.h"
 #include "support/FakeDirect3D.h"
 
+// Whole records alike (neither has padding), so a test can compare what a
+// search chose with what it should have chosen in one step.
+static bool operator==(const D3DDISPLAYMODE& a, const D3DDISPLAYMODE& b) { return !std::memcmp(&a, &b, sizeof a); }
+static bool operator==(const CD3DDisplaySettings& a, const CD3DDisplaySettings& b) {
+  return !std::memcmp(&a, &b, sizeof a);
+}
+
 namespace {
 
-using Fake = FakeDirect3D;
+constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
+constexpr D3DFORMAT A8 = D3DFMT_A8R8G8B8;
+constexpr D3DFORMAT R565 = D3DFMT_R5G6B5;
+constexpr D3DDEVTYPE HAL = D3DDEVTYPE_HAL;
 
-D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return Fake::Mode(w, h, r, f); }
+D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return {w, h, r, f}; }
 
 // A tree built by hand, answering desktop modes through a fake object.
+// Devices and options go to the adapter added last.
 class Tree {
  public:
   Tree() {
@@ -22,30 +33,27 @@ class Tree {
     m_d3d.AddRef();
   }
 
-  // An adapter whose present mode is desktop.
-  CD3DAdapterRecord* Adapter(D3DDISPLAYMODE desktop, std::vector<D3DDISPLAYMODE> modes = {}) {
-    Fake::Adapter fake;
-    fake.desktop = desktop;
-    m_d3d.adapters.push_back(fake);
+  // An adapter whose present mode is desktop, with these full-screen modes.
+  void Adapter(D3DDISPLAYMODE desktop, std::vector<D3DDISPLAYMODE> modes = {}) {
+    m_d3d.adapters.emplace_back().desktop = desktop;
     auto* adapter = new CD3DAdapterRecord;
     adapter->m_ordinal = static_cast<std::uint32_t>(m_init.m_adapters.size());
     adapter->m_modes = std::move(modes);
     m_init.m_adapters.push_back(adapter);
-    return adapter;
   }
 
-  CD3DDeviceRecord* Device(CD3DAdapterRecord* adapter, D3DDEVTYPE type) {
+  CD3DDeviceRecord* Device(D3DDEVTYPE type) {
     auto* device = new CD3DDeviceRecord;
     device->m_deviceType = type;
-    adapter->m_devices.push_back(device);
+    m_init.m_adapters.back()->m_devices.push_back(device);
     return device;
   }
 
   // An option; its lists start with a recognisable first entry.
-  CD3DOptionRecord* Option(CD3DAdapterRecord* adapter, CD3DDeviceRecord* device, D3DFORMAT adapterFormat,
-                           D3DFORMAT backBufferFormat, bool windowed) {
+  CD3DOptionRecord* Option(CD3DDeviceRecord* device, D3DFORMAT adapterFormat, D3DFORMAT backBufferFormat,
+                           bool windowed) {
     auto* option = new CD3DOptionRecord;
-    option->m_adapterOrdinal = adapter->m_ordinal;
+    option->m_adapterOrdinal = m_init.m_adapters.back()->m_ordinal;
     option->m_deviceType = device->m_deviceType;
     option->m_adapterFormat = adapterFormat;
     option->m_backBufferFormat = backBufferFormat;
@@ -59,234 +67,182 @@ class Tree {
     return option;
   }
 
-  CD3DInitialize& Init() { return m_init; }
-  Fake& D3D() { return m_d3d; }
+  bool Windowed(CD3DSettings& settings, bool hal = false, bool ref = false) {
+    return m_init.FindBestWindowedMode(settings, hal, ref);
+  }
+  bool FullScreen(CD3DSettings& settings, const D3DDISPLAYMODE* match = nullptr, bool hal = false) {
+    return m_init.FindBestFullScreenMode(settings, match, hal, false);
+  }
+  const std::vector<UINT>& DesktopQueries() const { return m_d3d.displayModeQueries; }
 
  private:
-  Fake m_d3d;  // outlives m_init, which releases it
+  FakeDirect3D m_d3d;  // outlives m_init, which releases it
   CD3DInitialize m_init;
 };
-
-// Whole settings records alike (the display sets have no padding; the flag
-// is compared on its own).
-bool Same(const CD3DSettings& a, const CD3DSettings& b) {
-  return a.m_windowed == b.m_windowed &&
-         std::memcmp(&a.m_windowedSettings, &b.m_windowedSettings, sizeof a.m_windowedSettings) == 0 &&
-         std::memcmp(&a.m_fullscreenSettings, &b.m_fullscreenSettings, sizeof a.m_fullscreenSettings) == 0;
-}
-
-constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
-constexpr D3DFORMAT A8 = D3DFMT_A8R8G8B8;
-constexpr D3DFORMAT R565 = D3DFMT_R5G6B5;
 
 // ---- windowed -----------------------------------------------------------------
 
 TEST(WindowedSearch, FirstMatchedHalEndsTheWalk) {
   Tree tree;
-  auto* a0 = tree.Adapter(Mode(1600, 1000, 60, X8));
-  tree.Option(a0, tree.Device(a0, D3DDEVTYPE_HAL), X8, X8, true);
-  auto* a1 = tree.Adapter(Mode(800, 600, 60, R565));
-  tree.Option(a1, tree.Device(a1, D3DDEVTYPE_HAL), X8, X8, true);
+  tree.Adapter(Mode(1600, 1000, 60, X8));
+  tree.Option(tree.Device(HAL), X8, X8, true);
+  tree.Adapter(Mode(800, 600, 60, R565));
+  tree.Option(tree.Device(HAL), X8, X8, true);
 
   CD3DSettings settings{};
-  ASSERT_TRUE(tree.Init().FindBestWindowedMode(settings, false, false));
+  ASSERT_TRUE(tree.Windowed(settings));
   EXPECT_TRUE(settings.m_windowed);
-  const CD3DDisplaySettings& s = settings.m_windowedSettings;
-  EXPECT_EQ(s.m_adapterOrdinal, 0u);
-  EXPECT_EQ(s.m_deviceType, D3DDEVTYPE_HAL);
-  EXPECT_EQ(s.m_backBufferFormat, X8);
   // The desktop of adapter 0, the first entry of each list, quality 0.
-  EXPECT_EQ(s.m_displayMode.Width, 1600u);
-  EXPECT_EQ(s.m_displayMode.Format, X8);
-  EXPECT_EQ(s.m_depthStencilFormat, D3DFMT_D24S8);
-  EXPECT_EQ(s.m_multiSampleType, D3DMULTISAMPLE_2_SAMPLES);
-  EXPECT_EQ(s.m_multiSampleQuality, 0u);
-  EXPECT_EQ(s.m_vertexProcessing, HARDWARE_VP);
-  EXPECT_EQ(s.m_presentInterval, static_cast<std::uint32_t>(D3DPRESENT_INTERVAL_IMMEDIATE));
-  EXPECT_EQ(tree.D3D().displayModeQueries, std::vector<UINT>{0});
+  const CD3DDisplaySettings expected{
+      0, Mode(1600, 1000, 60, X8), HAL, X8, D3DFMT_D24S8, D3DMULTISAMPLE_2_SAMPLES, 0, HARDWARE_VP,
+      D3DPRESENT_INTERVAL_IMMEDIATE};
+  EXPECT_EQ(settings.m_windowedSettings, expected);
+  EXPECT_EQ(tree.DesktopQueries(), std::vector<UINT>{0});
 }
 
 TEST(WindowedSearch, SoftwareGivesWayToHalAndHalOnlyToMatchedHal) {
   Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 60, X8));
-  tree.Option(a, tree.Device(a, D3DDEVTYPE_SW), X8, X8, true);
-  auto* hal = tree.Device(a, D3DDEVTYPE_HAL);
-  tree.Option(a, hal, X8, A8, true)->m_depthFormats = {D3DFMT_D32};  // unmatched HAL: replaces SW
-  tree.Option(a, hal, X8, R565, true)->m_depthFormats = {D3DFMT_D15S1};  // unmatched HAL: does not replace
+  tree.Adapter(Mode(1024, 768, 60, X8));
+  tree.Option(tree.Device(D3DDEVTYPE_SW), X8, X8, true);
+  auto* hal = tree.Device(HAL);
+  tree.Option(hal, X8, A8, true)->m_depthFormats = {D3DFMT_D32};       // unmatched HAL: replaces SW
+  tree.Option(hal, X8, R565, true)->m_depthFormats = {D3DFMT_D15S1};  // unmatched HAL: does not replace
 
   CD3DSettings settings{};
-  ASSERT_TRUE(tree.Init().FindBestWindowedMode(settings, false, false));
-  EXPECT_EQ(settings.m_windowedSettings.m_deviceType, D3DDEVTYPE_HAL);
+  ASSERT_TRUE(tree.Windowed(settings));
+  EXPECT_EQ(settings.m_windowedSettings.m_deviceType, HAL);
   EXPECT_EQ(settings.m_windowedSettings.m_backBufferFormat, A8);
   EXPECT_EQ(settings.m_windowedSettings.m_depthStencilFormat, D3DFMT_D32);
 
-  tree.Option(a, hal, X8, X8, true);  // matched HAL: replaces
-  ASSERT_TRUE(tree.Init().FindBestWindowedMode(settings, false, false));
+  tree.Option(hal, X8, X8, true);  // matched HAL: replaces
+  ASSERT_TRUE(tree.Windowed(settings));
   EXPECT_EQ(settings.m_windowedSettings.m_backBufferFormat, X8);
 }
 
 TEST(WindowedSearch, ReferenceOnlyTakesTheFirstFitOfTheDesktopFormat) {
   Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 60, X8));
-  auto* ref = tree.Device(a, D3DDEVTYPE_REF);
-  tree.Option(a, ref, R565, R565, true);  // other format
-  tree.Option(a, ref, X8, X8, false);     // full screen
-  tree.Option(a, ref, X8, A8, true);      // the one
-  tree.Option(a, ref, X8, X8, true);      // matched, but not HAL
+  tree.Adapter(Mode(1024, 768, 60, X8));
+  auto* ref = tree.Device(D3DDEVTYPE_REF);
+  tree.Option(ref, R565, R565, true);  // other format
+  tree.Option(ref, X8, X8, false);     // full screen
+  tree.Option(ref, X8, A8, true);      // the one
+  tree.Option(ref, X8, X8, true);      // matched, but not HAL
 
   CD3DSettings settings{};
-  ASSERT_TRUE(tree.Init().FindBestWindowedMode(settings, false, false));
+  ASSERT_TRUE(tree.Windowed(settings));
   EXPECT_EQ(settings.m_windowedSettings.m_deviceType, D3DDEVTYPE_REF);
   EXPECT_EQ(settings.m_windowedSettings.m_backBufferFormat, A8);
-
-  EXPECT_FALSE(tree.Init().FindBestWindowedMode(settings, true, false)) << "HAL required";
-  EXPECT_TRUE(tree.Init().FindBestWindowedMode(settings, false, true));
-}
-
-TEST(WindowedSearch, NoWindowedOptionOnTheDesktopFormatLeavesSettingsAlone) {
-  Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 60, R565));
-  auto* hal = tree.Device(a, D3DDEVTYPE_HAL);
-  tree.Option(a, hal, X8, X8, true);
-  tree.Option(a, hal, R565, R565, false);
-
-  CD3DSettings settings{};
-  settings.m_windowed = false;
-  settings.m_windowedSettings.m_adapterOrdinal = 7;
-  settings.m_windowedSettings.m_presentInterval = 99;
-  const CD3DSettings before = settings;
-  EXPECT_FALSE(tree.Init().FindBestWindowedMode(settings, false, false));
-  EXPECT_TRUE(Same(settings, before));
+  EXPECT_FALSE(tree.Windowed(settings, true, false)) << "HAL required";
+  EXPECT_TRUE(tree.Windowed(settings, false, true));
 }
 
 // ---- full screen --------------------------------------------------------------
 
 TEST(FullScreenSearch, MatchedHalOnTheWantedFormatEndsAllLoops) {
   Tree tree;
-  auto* a0 = tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8)});
-  tree.Option(a0, tree.Device(a0, D3DDEVTYPE_HAL), X8, X8, false);
-  auto* a1 = tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8)});
-  tree.Option(a1, tree.Device(a1, D3DDEVTYPE_HAL), X8, X8, false);
-
+  for (int i = 0; i < 2; ++i) {
+    tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8)});
+    tree.Option(tree.Device(HAL), X8, X8, false);
+  }
   CD3DSettings settings{};
   settings.m_windowed = true;
-  ASSERT_TRUE(tree.Init().FindBestFullScreenMode(settings, nullptr, false, false));
+  ASSERT_TRUE(tree.FullScreen(settings));
   EXPECT_FALSE(settings.m_windowed);
   EXPECT_EQ(settings.m_fullscreenSettings.m_adapterOrdinal, 0u);
   EXPECT_EQ(settings.m_fullscreenSettings.m_multiSampleQuality, 0u);
-  EXPECT_EQ(tree.D3D().displayModeQueries, std::vector<UINT>{0}) << "adapter 1 is never visited";
+  EXPECT_EQ(tree.DesktopQueries(), std::vector<UINT>{0}) << "adapter 1 is never visited";
 }
 
 TEST(FullScreenSearch, BestOptionRules) {
   // The wanted format is X8 (adapter 0's present mode).
   Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8), Mode(800, 600, 60, R565)});
-  tree.Option(a, tree.Device(a, D3DDEVTYPE_SW), X8, X8, false);         // a: first
-  auto* hal = tree.Device(a, D3DDEVTYPE_HAL);
-  tree.Option(a, hal, X8, X8, true);                                     // windowed: skipped
-  CD3DOptionRecord* r565 = tree.Option(a, hal, R565, R565, false);       // b: HAL over SW
-  CD3DOptionRecord* x8a8 = tree.Option(a, hal, X8, A8, false);           // c: HAL onto the wanted format
-  tree.Option(a, hal, X8, D3DFMT_X1R5G5B5, false);                       // no rule: best already on X8
-  CD3DOptionRecord* x8x8 = tree.Option(a, hal, X8, X8, false);           // d: desktop and matched
-  tree.Option(a, hal, X8, X8, false)->m_depthFormats = {D3DFMT_D16};      // never reached
+  tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8), Mode(800, 600, 60, R565)});
+  tree.Option(tree.Device(D3DDEVTYPE_SW), X8, X8, false);   // a: first
+  auto* hal = tree.Device(HAL);
+  tree.Option(hal, X8, X8, true);                            // windowed: skipped
+  tree.Option(hal, R565, R565, false);                       // b: HAL over SW
+  tree.Option(hal, X8, A8, false);                           // c: HAL onto the wanted format
+  tree.Option(hal, X8, D3DFMT_X1R5G5B5, false);              // no rule: best already on X8
+  tree.Option(hal, R565, R565, false);                       // no rule: matched, but not on X8
+  tree.Option(hal, X8, X8, false);                           // d: desktop and matched
+  tree.Option(hal, X8, X8, false)->m_depthFormats = {D3DFMT_D16};  // never reached
 
-  CD3DSettings settings{};
-  auto pick = [&] {
-    EXPECT_TRUE(tree.Init().FindBestFullScreenMode(settings, nullptr, false, false));
+  // Walk the rules back by taking the later options away.
+  auto pickAfterDropping = [&](size_t keep) {
+    for (auto& options = hal->m_options; options.size() > keep; options.pop_back()) delete options.back();
+    CD3DSettings settings{};
+    EXPECT_TRUE(tree.FullScreen(settings));
     return settings.m_fullscreenSettings;
   };
-  // Walk the rules by taking the later options away one by one.
-  auto& options = hal->m_options;
-  EXPECT_EQ(pick().m_backBufferFormat, X8);
-  EXPECT_EQ(pick().m_depthStencilFormat, D3DFMT_D24S8);
-  EXPECT_EQ(pick().m_displayMode.Width, 1024u);
-
-  delete options.back();
-  options.pop_back();
-  ASSERT_EQ(options.back(), x8x8);
-  delete options.back();
-  options.pop_back();
-  EXPECT_EQ(pick().m_backBufferFormat, A8) << "rule c, and X1R5G5B5 did not replace it";
-  ASSERT_EQ(options[2], x8a8);
-
-  delete options[3];
-  delete options[2];
-  options.resize(2);
-  ASSERT_EQ(options.back(), r565);
-  const CD3DDisplaySettings s = pick();
-  EXPECT_EQ(s.m_deviceType, D3DDEVTYPE_HAL) << "rule b";
+  CD3DDisplaySettings s = pickAfterDropping(7);
+  EXPECT_EQ(s.m_backBufferFormat, X8);
+  EXPECT_EQ(s.m_depthStencilFormat, D3DFMT_D24S8);
+  EXPECT_EQ(s.m_displayMode.Width, 1024u);
+  EXPECT_EQ(pickAfterDropping(5).m_backBufferFormat, A8) << "rule c, and neither later one replaced it";
+  s = pickAfterDropping(2);
+  EXPECT_EQ(s.m_deviceType, HAL) << "rule b";
   EXPECT_EQ(s.m_backBufferFormat, R565);
-  EXPECT_EQ(s.m_displayMode.Format, R565) << "the mode comes from the option's format";
-  EXPECT_EQ(s.m_displayMode.Width, 800u);
-}
-
-TEST(FullScreenSearch, ZeroMatchFieldsKeepThePresentMode) {
-  Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 75, X8),
-                         {Mode(1280, 1024, 60, X8), Mode(1280, 768, 75, X8), Mode(1280, 768, 60, X8)});
-  tree.Option(a, tree.Device(a, D3DDEVTYPE_HAL), X8, X8, false);
-  const D3DDISPLAYMODE match = Mode(1280, 0, 0, D3DFMT_UNKNOWN);
-  CD3DSettings settings{};
-  ASSERT_TRUE(tree.Init().FindBestFullScreenMode(settings, &match, false, false));
-  const D3DDISPLAYMODE found = settings.m_fullscreenSettings.m_displayMode;
-  EXPECT_EQ(found.Width, 1280u);
-  EXPECT_EQ(found.Height, 768u);
-  EXPECT_EQ(found.RefreshRate, 75u) << "exact size and rate end the mode walk";
+  EXPECT_EQ(s.m_displayMode, Mode(800, 600, 60, R565)) << "the mode comes from the option's format";
 }
 
 TEST(FullScreenSearch, ModeWalkRules) {
-  struct Case {
+  const struct {
     const char* what;
+    UINT matchHeight;  // of a 1280-wide match whose rate and format are 0: the desktop's 85 and X8
     std::vector<D3DDISPLAYMODE> modes;
     D3DDISPLAYMODE expected;
-  };
-  const Case cases[] = {
-      {"the last mode of width 1280 wins, whatever its height",
+  } cases[] = {
+      {"the last mode of width 1280 wins, whatever its height", 800,
        {Mode(800, 600, 60, X8), Mode(1280, 720, 60, X8), Mode(1280, 1024, 60, X8), Mode(1024, 768, 60, X8)},
        Mode(1280, 1024, 60, X8)},
-      {"a later mode of the size replaces an earlier one even at a lower rate",
-       {Mode(1280, 800, 75, X8), Mode(1280, 800, 60, X8)},
-       Mode(1280, 800, 60, X8)},
-      {"an exact fit stops the walk",
-       {Mode(1280, 800, 85, X8), Mode(1280, 720, 60, X8)},
-       Mode(1280, 800, 85, X8)},
-      {"without the width, the first mode of the option's format",
-       {Mode(1600, 1200, 60, R565), Mode(1024, 768, 60, X8), Mode(1600, 900, 60, X8)},
-       Mode(1024, 768, 60, X8)},
+      {"a later mode of the size replaces an earlier one even at a lower rate", 800,
+       {Mode(1280, 800, 75, X8), Mode(1280, 800, 60, X8)}, Mode(1280, 800, 60, X8)},
+      {"an exact fit stops the walk", 800, {Mode(1280, 800, 85, X8), Mode(1280, 720, 60, X8)}, Mode(1280, 800, 85, X8)},
+      {"without the width, the first mode of the option's format", 800,
+       {Mode(1600, 1200, 60, R565), Mode(1024, 768, 60, X8), Mode(1600, 900, 60, X8)}, Mode(1024, 768, 60, X8)},
+      {"a zero height takes the desktop's, and exact size and rate end the walk", 0,
+       {Mode(1280, 1024, 60, X8), Mode(1280, 1200, 85, X8), Mode(1280, 1200, 60, X8)}, Mode(1280, 1200, 85, X8)},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
     Tree tree;
-    auto* a = tree.Adapter(Mode(1600, 1200, 85, X8), c.modes);
-    tree.Option(a, tree.Device(a, D3DDEVTYPE_HAL), X8, X8, false);
-    const D3DDISPLAYMODE match = Mode(1280, 800, 0, D3DFMT_UNKNOWN);
+    tree.Adapter(Mode(1600, 1200, 85, X8), c.modes);
+    tree.Option(tree.Device(HAL), X8, X8, false);
+    const D3DDISPLAYMODE match = Mode(1280, c.matchHeight, 0, D3DFMT_UNKNOWN);
     CD3DSettings settings{};
-    ASSERT_TRUE(tree.Init().FindBestFullScreenMode(settings, &match, false, false)) << c.what;
-    EXPECT_EQ(std::memcmp(&settings.m_fullscreenSettings.m_displayMode, &c.expected, sizeof c.expected), 0) << c.what;
+    ASSERT_TRUE(tree.FullScreen(settings, &match));
+    EXPECT_EQ(settings.m_fullscreenSettings.m_displayMode, c.expected);
   }
 }
 
-TEST(FullScreenSearch, NothingFoundLeavesSettingsAlone) {
+// ---- nothing found --------------------------------------------------------------
+
+TEST(Search, NothingFoundLeavesSettingsAlone) {
+  CD3DSettings settings{};
+  settings.m_windowedSettings.m_adapterOrdinal = 7;
+  settings.m_fullscreenSettings.m_presentInterval = 99;
+  CD3DSettings before = settings;
+  auto untouched = [&] {
+    return settings.m_windowed == before.m_windowed && settings.m_windowedSettings == before.m_windowedSettings &&
+           settings.m_fullscreenSettings == before.m_fullscreenSettings;
+  };
+  CD3DInitialize never;  // never enumerated: no object to ask either
+  EXPECT_FALSE(never.FindBestWindowedMode(settings, false, false));
+  EXPECT_FALSE(never.FindBestFullScreenMode(settings, nullptr, false, false));
+  EXPECT_EQ(never.GetDevice(), nullptr);
+
+  // No windowed option on the desktop's format; no full-screen HAL.
   Tree tree;
-  auto* a = tree.Adapter(Mode(1024, 768, 60, X8), {Mode(1024, 768, 60, X8)});
-  tree.Option(a, tree.Device(a, D3DDEVTYPE_HAL), X8, X8, true);  // windowed only
-  tree.Option(a, tree.Device(a, D3DDEVTYPE_SW), X8, X8, false);
-
-  CD3DSettings settings{};
-  settings.m_windowed = true;
-  settings.m_fullscreenSettings.m_adapterOrdinal = 3;
-  const CD3DSettings before = settings;
-  EXPECT_FALSE(tree.Init().FindBestFullScreenMode(settings, nullptr, true, false));
-  EXPECT_TRUE(Same(settings, before));
-  EXPECT_TRUE(tree.Init().FindBestFullScreenMode(settings, nullptr, false, false));
+  tree.Adapter(Mode(1024, 768, 60, R565), {Mode(1024, 768, 60, R565)});
+  tree.Option(tree.Device(HAL), X8, X8, true);
+  tree.Option(tree.Device(D3DDEVTYPE_SW), R565, R565, false);
+  EXPECT_FALSE(tree.Windowed(settings));
+  EXPECT_TRUE(untouched());
+  settings.m_windowed = before.m_windowed = true;
+  EXPECT_FALSE(tree.FullScreen(settings, nullptr, true));
+  EXPECT_TRUE(untouched());
+  ASSERT_TRUE(tree.FullScreen(settings));
   EXPECT_EQ(settings.m_fullscreenSettings.m_deviceType, D3DDEVTYPE_SW);
-}
-
-TEST(Search, EmptyTreeFindsNothing) {
-  CD3DInitialize init;  // never enumerated: no object to ask either
-  CD3DSettings settings{};
-  EXPECT_FALSE(init.FindBestWindowedMode(settings, false, false));
-  EXPECT_FALSE(init.FindBestFullScreenMode(settings, nullptr, false, false));
-  EXPECT_EQ(init.GetDevice(), nullptr);
 }
 
 }  // namespace
