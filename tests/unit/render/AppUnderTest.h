@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <string>
 
 #include "app/GameApp.h"
 #include "platform/win32/windows.h"
@@ -30,13 +31,11 @@ class AppUnderTest {
   AppUnderTest& operator=(const AppUnderTest&) = delete;
 
   CGameApp* operator->() { return app_; }
-  CGameApp& operator*() { return *app_; }
 
-  // Menu state by command, as the user would see it.
-  bool Greyed(UINT command) const { return (GetMenuState(app_->m_hMenu, command, MF_BYCOMMAND) & MF_GRAYED) != 0; }
-  bool Checked(UINT command) const {
-    return (GetMenuState(app_->m_hMenu, command, MF_BYCOMMAND) & MF_CHECKED) != 0;
-  }
+  // Menu state of the commands first..last as the user would see it, one
+  // character each: "0010" has the third one greyed (or checked).
+  std::string Greyed(UINT first, UINT last) const { return Marks(first, last, MF_GRAYED); }
+  std::string Checked(UINT first, UINT last) const { return Marks(first, last, MF_CHECKED); }
   // State of the popup at a position of the Render States menu.
   bool RenderStatesPopupGreyed(int position) const {
     HMENU renderStates = GetSubMenu(app_->m_hMenu, 2);
@@ -44,6 +43,13 @@ class AppUnderTest {
   }
 
  private:
+  std::string Marks(UINT first, UINT last, UINT flag) const {
+    std::string marks;
+    for (UINT command = first; command <= last; ++command)
+      marks += (GetMenuState(app_->m_hMenu, command, MF_BYCOMMAND) & flag) ? '1' : '0';
+    return marks;
+  }
+
   void* storage_ = nullptr;
   CGameApp* app_ = nullptr;
 };

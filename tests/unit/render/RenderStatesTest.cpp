@@ -1,42 +1,53 @@
 // ValidateRenderOptions on scripted device caps, ApplyRenderStates against a
 // recording device, and the menu marks that UpdateMenuChecks leaves.
+//
+// Menu commands: 40013/14 solid/wireframe, 40019-21 mip none/point/linear,
+// 40022/23 single/multi pass, 40024-30 ADDSIGNED, ADDSIGNED2X, ADD, SUBTRACT,
+// MODULATE, MODULATE2X, MODULATE4X, 40031-34 min and 40035-38 mag none/point/
+// linear/anisotropic, 40039-45 anisotropy 1 to 64.
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "AppUnderTest.h"
-#include "CapsDirect3D.h"
+#include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
 #include "view/Cam1stPerson.h"
 
 using karvo_test::DeviceCall;
-using karvo_test::RecordingDevice;
+using Calls = karvo_test::DeviceCalls;
 
 namespace {
 
 class RenderStates : public ::testing::Test {
  protected:
-  void SetUp() override {
+  RenderStates() {
     app->m_d3d = &d3d;
     app->m_device = &device;
   }
-  void TearDown() override {
+  ~RenderStates() override {
     app->m_d3d = nullptr;
     app->m_device = nullptr;
     app->m_camera = nullptr;
   }
 
-  CapsDirect3D d3d;
-  RecordingDevice device;
+  FakeDirect3D d3d{{FakeDirect3D::GoodAdapter()}};
+  karvo_test::RecordingDevice device;
   AppUnderTest app;
+  D3DCAPS9& caps = d3d.adapters[0].devices[D3DDEVTYPE_HAL];
 };
 
 DeviceCall RS(D3DRENDERSTATETYPE state, DWORD value) { return {"SetRenderState", {double(state), double(value)}}; }
-DeviceCall SS(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
-  return {"SetSamplerState", {double(sampler), double(type), double(value)}};
-}
 DeviceCall TSS(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
   return {"SetTextureStageState", {double(stage), double(type), double(value)}};
+}
+// The four sampler calls of a stage: linear min and mag, then mip and anisotropy.
+Calls Samplers(DWORD stage, DWORD mip, DWORD anisotropy) {
+  Calls calls;
+  for (auto [type, value] : {std::pair{D3DSAMP_MINFILTER, DWORD(D3DTEXF_LINEAR)}, {D3DSAMP_MAGFILTER, D3DTEXF_LINEAR},
+                             {D3DSAMP_MIPFILTER, mip}, {D3DSAMP_MAXANISOTROPY, anisotropy}})
+    calls.push_back({"SetSamplerState", {double(stage), double(type), double(value)}});
+  return calls;
 }
 
 }  // namespace
@@ -44,108 +55,92 @@ DeviceCall TSS(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
 // ---- ValidateRenderOptions on scripted caps -------------------------------------
 
 TEST_F(RenderStates, OneTextureStageForcesTwoPassesAndGreysSinglePass) {
-  d3d.caps.MaxSimultaneousTextures = 1;
+  caps.MaxSimultaneousTextures = 1;
   ASSERT_TRUE(app->ValidateRenderOptions());
+  app->UpdateMenuChecks();
   EXPECT_FALSE(app->m_singlePass);
   EXPECT_EQ(app->m_maxTextures, 0u);
-  EXPECT_TRUE(app.Greyed(40022));
-  EXPECT_FALSE(app.Greyed(40023));  // Multi Pass is never greyed
-
-  app->UpdateMenuChecks();
-  EXPECT_TRUE(app.Checked(40023));
-  EXPECT_FALSE(app.Checked(40022));
+  EXPECT_EQ(app.Greyed(40022, 40023), "10");  // Multi Pass is never greyed
+  EXPECT_EQ(app.Checked(40022, 40023), "01");
   EXPECT_TRUE(app.RenderStatesPopupGreyed(5));  // Color Blending Ops means nothing in two passes
 
-  d3d.caps.MaxSimultaneousTextures = 4;  // a later device can again, the user chooses it
+  caps.MaxSimultaneousTextures = 4;  // a later device can again, the user chooses it
   app->m_singlePass = true;
   ASSERT_TRUE(app->ValidateRenderOptions());
   app->UpdateMenuChecks();
   EXPECT_EQ(app->m_maxTextures, 4u);
-  EXPECT_FALSE(app.Greyed(40022));
-  EXPECT_TRUE(app.Checked(40022));
+  EXPECT_EQ(app.Greyed(40022, 40023), "00");
+  EXPECT_EQ(app.Checked(40022, 40023), "10");
   EXPECT_FALSE(app.RenderStatesPopupGreyed(5));
 }
 
-TEST_F(RenderStates, AnisotropyTwelveAllowsUpToEight) {
-  d3d.caps.MaxAnisotropy = 12;
-  app->m_maxAnisotropy = 16;
-  ASSERT_TRUE(app->ValidateRenderOptions());
-  EXPECT_EQ(app->m_maxAnisotropyLimit, 8u);
-  EXPECT_EQ(app->m_maxAnisotropy, 8u);
-  for (UINT command = 40039; command <= 40042; ++command) EXPECT_FALSE(app.Greyed(command)) << command;
-  for (UINT command = 40043; command <= 40045; ++command) EXPECT_TRUE(app.Greyed(command)) << command;
-  app->UpdateMenuChecks();
-  EXPECT_TRUE(app.Checked(40042));
-  EXPECT_FALSE(app.Checked(40043));
-
-  app->m_maxAnisotropy = 4;  // within the limit: kept
-  ASSERT_TRUE(app->ValidateRenderOptions());
-  EXPECT_EQ(app->m_maxAnisotropy, 4u);
-}
-
-TEST_F(RenderStates, NoAnisotropyGreysTheGroupAndSetsZero) {
-  app->UpdateMenuChecks();
-  ASSERT_TRUE(app.Checked(40039));  // the start value 1
-
-  d3d.caps.MaxAnisotropy = 0;
-  app->ApplyRenderStates();
-  EXPECT_EQ(app->m_maxAnisotropyLimit, 0u);
-  EXPECT_EQ(app->m_maxAnisotropy, 0u);
-  for (UINT command = 40039; command <= 40045; ++command) EXPECT_TRUE(app.Greyed(command)) << command;
-  EXPECT_EQ(device.SamplerState(0, D3DSAMP_MAXANISOTROPY), 0u);
-  EXPECT_EQ(device.SamplerState(1, D3DSAMP_MAXANISOTROPY), 0u);
-
-  // 0 is no menu value: no item of the group is marked anew.
-  app->UpdateMenuChecks();
-  EXPECT_TRUE(app.Checked(40039));
-  for (UINT command = 40040; command <= 40045; ++command) EXPECT_FALSE(app.Checked(command)) << command;
+TEST_F(RenderStates, AnisotropyIsCutToTheLargestMenuStepTheDeviceHas) {
+  const struct {
+    DWORD deviceMax, chosen, limit, kept;
+    const char *greyed, *checked;
+  } cases[] = {
+      {12, 16, 8, 8, "0000111", "0001000"},
+      {12, 4, 8, 4, "0000111", "0010000"},  // within the limit: kept
+      // None at all: the group is grey and 0 is no menu value, so the mark stays.
+      {0, 1, 0, 0, "1111111", "1000000"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.deviceMax);
+    caps.MaxAnisotropy = c.deviceMax;
+    app->m_maxAnisotropy = c.chosen;
+    app->UpdateMenuChecks();
+    app->ApplyRenderStates();
+    app->UpdateMenuChecks();
+    EXPECT_EQ(app->m_maxAnisotropyLimit, c.limit);
+    EXPECT_EQ(app->m_maxAnisotropy, c.kept);
+    EXPECT_EQ(device.SamplerState(0, D3DSAMP_MAXANISOTROPY), c.kept);
+    EXPECT_EQ(device.SamplerState(1, D3DSAMP_MAXANISOTROPY), c.kept);
+    EXPECT_EQ(app.Greyed(40039, 40045), c.greyed);
+    EXPECT_EQ(app.Checked(40039, 40045), c.checked);
+  }
 }
 
 TEST_F(RenderStates, MissingFilterIsReplacedByTheBestNotTheNearest) {
-  d3d.caps.TextureFilterCaps = D3DPTFILTERCAPS_MINFPOINT | D3DPTFILTERCAPS_MINFANISOTROPIC |
-                               D3DPTFILTERCAPS_MAGFPOINT | D3DPTFILTERCAPS_MIPFPOINT;
+  caps.TextureFilterCaps = D3DPTFILTERCAPS_MINFPOINT | D3DPTFILTERCAPS_MINFANISOTROPIC | D3DPTFILTERCAPS_MAGFPOINT |
+                           D3DPTFILTERCAPS_MIPFPOINT;
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_minFilter, D3DTEXF_ANISOTROPIC);
   EXPECT_EQ(app->m_magFilter, D3DTEXF_POINT);
   EXPECT_EQ(app->m_mipFilter, D3DTEXF_POINT);
-  EXPECT_TRUE(app.Greyed(40033));
-  EXPECT_FALSE(app.Greyed(40034));
-  EXPECT_FALSE(app.Greyed(40031));  // "None" is never greyed
-  EXPECT_FALSE(app.Greyed(40019));
+  EXPECT_EQ(app.Greyed(40019, 40021), "001");  // "None" is never greyed
+  EXPECT_EQ(app.Greyed(40031, 40038), "00100011");
 
   // A device without any filtering falls back to none, which always works.
-  d3d.caps.TextureFilterCaps = 0;
+  caps.TextureFilterCaps = 0;
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_minFilter, D3DTEXF_NONE);
   EXPECT_EQ(app->m_magFilter, D3DTEXF_NONE);
   EXPECT_EQ(app->m_mipFilter, D3DTEXF_NONE);
 
   // The correction lasts: a better device later does not bring linear back.
-  d3d.caps = CapsDirect3D::FullCaps();
+  caps = FakeDirect3D::GoodCaps();
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_minFilter, D3DTEXF_NONE);
 }
 
 TEST_F(RenderStates, ColourOpFallsBackInMenuOrderAndFailsWithNone) {
-  d3d.caps.TextureOpCaps = D3DTEXOPCAPS_SUBTRACT | D3DTEXOPCAPS_ADD | D3DTEXOPCAPS_MODULATE;
+  caps.TextureOpCaps = D3DTEXOPCAPS_SUBTRACT | D3DTEXOPCAPS_ADD | D3DTEXOPCAPS_MODULATE;
   ASSERT_TRUE(app->ValidateRenderOptions());
-  EXPECT_EQ(app->m_colorOp, D3DTOP_MODULATE);  // before Add, though Add's value is higher
-  EXPECT_TRUE(app.Greyed(40024));
-  EXPECT_TRUE(app.Greyed(40029));
-  EXPECT_FALSE(app.Greyed(40028));
   app->UpdateMenuChecks();
-  EXPECT_TRUE(app.Checked(40028));
+  EXPECT_EQ(app->m_colorOp, D3DTOP_MODULATE);  // before Add, though Add's value is higher
+  EXPECT_EQ(app.Greyed(40024, 40030), "1100011");
+  EXPECT_EQ(app.Checked(40024, 40030), "0000100");
 
   app->m_colorOp = D3DTOP_SUBTRACT;  // supported: kept
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_colorOp, D3DTOP_SUBTRACT);
 
-  d3d.caps.TextureOpCaps = 0;
+  caps.TextureOpCaps = 0;
   EXPECT_FALSE(app->ValidateRenderOptions());
 }
 
 TEST_F(RenderStates, TextureFormatsAreSearchedBestFirstOnTheDisplayFormat) {
-  d3d.textureFormats = {D3DFMT_R5G6B5, D3DFMT_X8R8G8B8, D3DFMT_A4R4G4B4, D3DFMT_A1R5G5B5};
+  d3d.adapters[0].textureFormats = {D3DFMT_R5G6B5, D3DFMT_X8R8G8B8, D3DFMT_A4R4G4B4, D3DFMT_A1R5G5B5};
   app->m_settings.GetCurrentSettings().m_displayMode.Format = D3DFMT_R5G6B5;
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_textureFormat, D3DFMT_X8R8G8B8);
@@ -160,100 +155,66 @@ TEST_F(RenderStates, TextureFormatsAreSearchedBestFirstOnTheDisplayFormat) {
 }
 
 TEST_F(RenderStates, MissingTextureFormatsShowABoxAndFail) {
-  d3d.textureFormats = {D3DFMT_A8R8G8B8};
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(app->ValidateRenderOptions());
-  std::string box = testing::internal::GetCapturedStderr();
-  EXPECT_NE(box.find("No valid texture formats could be found."), std::string::npos) << box;
-  EXPECT_NE(box.find("Error."), std::string::npos) << box;
-
-  d3d.textureFormats = {D3DFMT_X1R5G5B5};
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(app->ValidateRenderOptions());
-  box = testing::internal::GetCapturedStderr();
-  EXPECT_NE(box.find("No valid alpha texture formats could be found."), std::string::npos) << box;
+  const std::pair<D3DFORMAT, const char*> cases[] = {
+      {D3DFMT_A8R8G8B8, "Error.: No valid texture formats could be found."},
+      {D3DFMT_X1R5G5B5, "Error.: No valid alpha texture formats could be found."}};
+  for (const auto& [only, box] : cases) {
+    d3d.adapters[0].textureFormats = {only};
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(app->ValidateRenderOptions());
+    const std::string written = testing::internal::GetCapturedStderr();
+    EXPECT_NE(written.find(box), std::string::npos) << written;
+  }
 }
 
 TEST_F(RenderStates, FailedValidationLeavesTheDeviceAlone) {
-  d3d.capsFail = true;
+  caps.TextureOpCaps = 0;
+  app->ApplyRenderStates();
+  d3d.FailOn(FakeDirect3D::CALL_GetDeviceCaps, D3DERR_NOTAVAILABLE, 0, true);
   testing::internal::CaptureStderr();
   app->ApplyRenderStates();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // no box for a caps failure
-  EXPECT_TRUE(device.Calls().empty());
-
-  d3d.capsFail = false;
-  d3d.caps.TextureOpCaps = 0;
-  app->ApplyRenderStates();
   EXPECT_TRUE(device.Calls().empty());
 }
 
 // ---- ApplyRenderStates: the exact base state ------------------------------------
 
-TEST_F(RenderStates, SinglePassBaseStateInOrder) {
+TEST_F(RenderStates, BaseStateInOrderForEitherPassMode) {
+  const Calls start = {RS(D3DRS_ZENABLE, D3DZB_TRUE), RS(D3DRS_DITHERENABLE, TRUE),
+                       RS(D3DRS_SHADEMODE, D3DSHADE_GOURAUD), RS(D3DRS_CULLMODE, D3DCULL_CCW),
+                       RS(D3DRS_LIGHTING, FALSE)};
+  const Calls stage0 = {TSS(0, D3DTSS_COLORARG1, D3DTA_TEXTURE), TSS(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1),
+                        TSS(0, D3DTSS_TEXCOORDINDEX, 0)};
+  const DeviceCall fvf{"SetFVF", {double(D3DFVF_XYZ | D3DFVF_TEX2)}};
+
+  // Two passes, with the start values: stage 1 is disabled and loses its texture.
+  app->m_singlePass = false;
+  app->m_terrain.SetSinglePass(true);
+  app->ApplyRenderStates();
+  EXPECT_EQ(device.Calls(), (start + Samplers(0, D3DTEXF_LINEAR, 1) + stage0 +
+                             Calls{TSS(1, D3DTSS_COLOROP, D3DTOP_DISABLE), {"SetTexture", {1, 0}},
+                                   RS(D3DRS_FILLMODE, D3DFILL_SOLID), fvf}));
+  EXPECT_FALSE(app->m_terrain.m_singlePass);
+
+  app->m_singlePass = true;
   app->m_fillMode = D3DFILL_WIREFRAME;
   app->m_colorOp = D3DTOP_MODULATE2X;
   app->m_mipFilter = D3DTEXF_POINT;
   app->m_maxAnisotropy = 4;
+  device.ClearLog();
   app->ApplyRenderStates();
-  const std::vector<DeviceCall> expected = {
-      RS(D3DRS_ZENABLE, D3DZB_TRUE),
-      RS(D3DRS_DITHERENABLE, TRUE),
-      RS(D3DRS_SHADEMODE, D3DSHADE_GOURAUD),
-      RS(D3DRS_CULLMODE, D3DCULL_CCW),
-      RS(D3DRS_LIGHTING, FALSE),
-      SS(0, D3DSAMP_MINFILTER, D3DTEXF_LINEAR),
-      SS(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR),
-      SS(0, D3DSAMP_MIPFILTER, D3DTEXF_POINT),
-      SS(0, D3DSAMP_MAXANISOTROPY, 4),
-      TSS(0, D3DTSS_COLORARG1, D3DTA_TEXTURE),
-      TSS(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1),
-      TSS(0, D3DTSS_TEXCOORDINDEX, 0),
-      TSS(1, D3DTSS_COLORARG1, D3DTA_CURRENT),
-      TSS(1, D3DTSS_COLORARG2, D3DTA_TEXTURE),
-      TSS(1, D3DTSS_COLOROP, D3DTOP_MODULATE2X),
-      TSS(1, D3DTSS_TEXCOORDINDEX, 1),
-      SS(1, D3DSAMP_MINFILTER, D3DTEXF_LINEAR),
-      SS(1, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR),
-      SS(1, D3DSAMP_MIPFILTER, D3DTEXF_POINT),
-      SS(1, D3DSAMP_MAXANISOTROPY, 4),
-      RS(D3DRS_FILLMODE, D3DFILL_WIREFRAME),
-      {"SetFVF", {double(D3DFVF_XYZ | D3DFVF_TEX2)}},
-  };
-  EXPECT_EQ(device.Calls(), expected);
+  EXPECT_EQ(device.Calls(), (start + Samplers(0, D3DTEXF_POINT, 4) + stage0 +
+                             Calls{TSS(1, D3DTSS_COLORARG1, D3DTA_CURRENT), TSS(1, D3DTSS_COLORARG2, D3DTA_TEXTURE),
+                                   TSS(1, D3DTSS_COLOROP, D3DTOP_MODULATE2X), TSS(1, D3DTSS_TEXCOORDINDEX, 1)} +
+                             Samplers(1, D3DTEXF_POINT, 4) + Calls{RS(D3DRS_FILLMODE, D3DFILL_WIREFRAME), fvf}));
   EXPECT_TRUE(app->m_terrain.m_singlePass);
-}
-
-TEST_F(RenderStates, MultiPassDisablesStageOneAndDropsItsTexture) {
-  app->m_singlePass = false;
-  app->m_terrain.SetSinglePass(true);
-  app->ApplyRenderStates();
-  const std::vector<DeviceCall> expected = {
-      RS(D3DRS_ZENABLE, D3DZB_TRUE),
-      RS(D3DRS_DITHERENABLE, TRUE),
-      RS(D3DRS_SHADEMODE, D3DSHADE_GOURAUD),
-      RS(D3DRS_CULLMODE, D3DCULL_CCW),
-      RS(D3DRS_LIGHTING, FALSE),
-      SS(0, D3DSAMP_MINFILTER, D3DTEXF_LINEAR),
-      SS(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR),
-      SS(0, D3DSAMP_MIPFILTER, D3DTEXF_LINEAR),
-      SS(0, D3DSAMP_MAXANISOTROPY, 1),
-      TSS(0, D3DTSS_COLORARG1, D3DTA_TEXTURE),
-      TSS(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1),
-      TSS(0, D3DTSS_TEXCOORDINDEX, 0),
-      TSS(1, D3DTSS_COLOROP, D3DTOP_DISABLE),
-      {"SetTexture", {1, 0}},
-      RS(D3DRS_FILLMODE, D3DFILL_SOLID),
-      {"SetFVF", {double(D3DFVF_XYZ | D3DFVF_TEX2)}},
-  };
-  EXPECT_EQ(device.Calls(), expected);
-  EXPECT_FALSE(app->m_terrain.m_singlePass);
 }
 
 TEST_F(RenderStates, CameraGetsViewAndProjectionAndTheMenuItsMarks) {
   // Without a camera (a WM_SIZE during OpenDisplay) the menu keeps its marks.
   app->m_fillMode = D3DFILL_WIREFRAME;
   app->ApplyRenderStates();
-  EXPECT_FALSE(app.Checked(40014));
+  EXPECT_EQ(app.Checked(40013, 40014), "00");
   EXPECT_EQ(device.Count("SetTransform"), 0u);
 
   CCam1stPerson camera(nullptr);
@@ -266,35 +227,27 @@ TEST_F(RenderStates, CameraGetsViewAndProjectionAndTheMenuItsMarks) {
   EXPECT_EQ(transforms[1].args[0], double(D3DTS_PROJECTION));
   EXPECT_FLOAT_EQ(camera.GetNearClip(), 1.01f);
   EXPECT_FLOAT_EQ(camera.GetFarClip(), 5000.0f);
-  EXPECT_TRUE(app.Checked(40014));
-  EXPECT_TRUE(app.Checked(40033));
-  EXPECT_TRUE(app.Checked(40037));
-  EXPECT_TRUE(app.Checked(40021));
-  EXPECT_TRUE(app.Checked(40024));
-  EXPECT_TRUE(app.Checked(40022));
-  EXPECT_TRUE(app.Checked(40039));
+  // The start values: linear filters, ADDSIGNED, one pass, anisotropy 1.
+  EXPECT_EQ(app.Checked(40013, 40014), "01");
+  EXPECT_EQ(app.Checked(40019, 40045), "001" "10" "1000000" "0010" "0010" "1000000");
 }
 
 // ---- UpdateMenuChecks: one mark a group ---------------------------------------
 
 TEST_F(RenderStates, EachColourOpMarksItsOwnEntry) {
-  const struct {
-    D3DTEXTUREOP op;
-    UINT command;
-  } rows[] = {{D3DTOP_MODULATE, 40028},    {D3DTOP_MODULATE2X, 40029}, {D3DTOP_MODULATE4X, 40030},
-              {D3DTOP_ADD, 40026},         {D3DTOP_ADDSIGNED, 40024},  {D3DTOP_ADDSIGNED2X, 40025},
-              {D3DTOP_SUBTRACT, 40027}};
-  for (const auto& row : rows) {
-    app->m_colorOp = row.op;
+  const std::pair<D3DTEXTUREOP, const char*> rows[] = {
+      {D3DTOP_MODULATE, "0000100"}, {D3DTOP_MODULATE2X, "0000010"}, {D3DTOP_MODULATE4X, "0000001"},
+      {D3DTOP_ADD, "0010000"},      {D3DTOP_ADDSIGNED, "1000000"},  {D3DTOP_ADDSIGNED2X, "0100000"},
+      {D3DTOP_SUBTRACT, "0001000"}};
+  for (const auto& [op, marks] : rows) {
+    app->m_colorOp = op;
     app->UpdateMenuChecks();
-    for (UINT command = 40024; command <= 40030; ++command) {
-      EXPECT_EQ(app.Checked(command), command == row.command) << "op " << row.op << " item " << command;
-    }
+    EXPECT_EQ(app.Checked(40024, 40030), marks) << "op " << op;
   }
   // A value outside the list leaves the group's mark where it was.
   app->m_colorOp = D3DTOP_SELECTARG1;
   app->m_minFilter = static_cast<D3DTEXTUREFILTERTYPE>(7);
   app->UpdateMenuChecks();
-  EXPECT_TRUE(app.Checked(40027));
-  EXPECT_TRUE(app.Checked(40033));
+  EXPECT_EQ(app.Checked(40024, 40030), "0001000");
+  EXPECT_EQ(app.Checked(40031, 40034), "0010");
 }

@@ -13,7 +13,7 @@
 #include "terrain/Vertex.h"
 #include "view/Player.h"
 
-using karvo_test::DeviceCall;
+using karvo_test::DeviceCalls;
 using karvo_test::Ptr;
 using karvo_test::RecordingDevice;
 
@@ -61,17 +61,14 @@ class TerrainRender : public ::testing::Test {
     ASSERT_GE(mesh->BuildBuffers(&device, true, true), 0);
   }
 
-  std::vector<DeviceCall> BlockDraw(std::uint32_t index) const {
+  DeviceCalls BlockDraw(std::uint32_t index) const {
     const CMesh* mesh = terrain->m_blockMeshes[index];
     return {{"SetStreamSource", {0, Ptr(mesh->m_vertexBuffer), 0, 28}},
             {"SetIndices", {Ptr(mesh->m_indexBuffer)}},
             {"DrawIndexedPrimitive", {double(D3DPT_TRIANGLESTRIP), 0, 0, 1369, 0, 2697}}};
   }
-  static void Append(std::vector<DeviceCall>& to, const std::vector<DeviceCall>& calls) {
-    to.insert(to.end(), calls.begin(), calls.end());
-  }
   // The ground's calls; whatever the scene draws after them is not looked at.
-  std::vector<DeviceCall> FirstCalls(std::size_t count) const {
+  DeviceCalls FirstCalls(std::size_t count) const {
     const auto& calls = device.Calls();
     return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(std::min(count, calls.size()))};
   }
@@ -90,13 +87,10 @@ class TerrainRender : public ::testing::Test {
 TEST_F(TerrainRender, SinglePassDrawsVisibleBlocksOnceWithBothTextures) {
   terrain->SetSinglePass(true);
   terrain->Render(camera);
-  std::vector<DeviceCall> expected = {
-      {"SetTexture", {0, Ptr(terrain->m_baseTexture)}},
-      {"SetTexture", {1, Ptr(terrain->m_detailTexture)}},
-      {"SetFVF", {0x202}},
-  };
-  Append(expected, BlockDraw(0));
-  Append(expected, BlockDraw(2));
+  const DeviceCalls expected = DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_baseTexture)}},
+                                           {"SetTexture", {1, Ptr(terrain->m_detailTexture)}},
+                                           {"SetFVF", {0x202}}} +
+                               BlockDraw(0) + BlockDraw(2);
   EXPECT_EQ(FirstCalls(expected.size()), expected);
   EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 2u);
   EXPECT_EQ(device.Count("SetTextureStageState"), 0u);  // stage set-up belongs to the render states
@@ -105,25 +99,17 @@ TEST_F(TerrainRender, SinglePassDrawsVisibleBlocksOnceWithBothTextures) {
 TEST_F(TerrainRender, MultiPassBlendsTheDetailOverTheSameBlocks) {
   terrain->SetSinglePass(false);
   terrain->Render(camera);
-  std::vector<DeviceCall> expected = {
-      {"SetTexture", {0, Ptr(terrain->m_baseTexture)}},
-      {"SetFVF", {0x202}},
-  };
-  Append(expected, BlockDraw(0));
-  Append(expected, BlockDraw(2));
-  Append(expected, {
-                       {"SetTexture", {0, Ptr(terrain->m_detailTexture)}},
-                       {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 1}},
-                       {"SetRenderState", {double(D3DRS_SRCBLEND), double(D3DBLEND_DESTCOLOR)}},
-                       {"SetRenderState", {double(D3DRS_DESTBLEND), double(D3DBLEND_SRCCOLOR)}},
-                       {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), TRUE}},
-                   });
-  Append(expected, BlockDraw(0));
-  Append(expected, BlockDraw(2));
-  Append(expected, {
-                       {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 0}},
-                       {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), FALSE}},
-                   });
+  const DeviceCalls expected =
+      DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_baseTexture)}}, {"SetFVF", {0x202}}} + BlockDraw(0) +
+      BlockDraw(2) +
+      DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_detailTexture)}},
+                  {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 1}},
+                  {"SetRenderState", {double(D3DRS_SRCBLEND), double(D3DBLEND_DESTCOLOR)}},
+                  {"SetRenderState", {double(D3DRS_DESTBLEND), double(D3DBLEND_SRCCOLOR)}},
+                  {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), TRUE}}} +
+      BlockDraw(0) + BlockDraw(2) +
+      DeviceCalls{{"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 0}},
+                  {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), FALSE}}};
   EXPECT_EQ(FirstCalls(expected.size()), expected);
 }
 
