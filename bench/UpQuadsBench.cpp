@@ -17,11 +17,13 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "PlainGLQuads.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/d3d9/d3d9.h"
 
@@ -33,19 +35,15 @@ constexpr int kColumns = 100, kRows = 50;
 constexpr std::uint32_t kDrawBudget = 20;  // GL draws a frame for the 5,000 quads
 constexpr double kTimeBudget = 1.5;        // times the limit
 
-struct CVertex {  // the world's own layout, 0x142
-  float x, y, z;
-  std::uint32_t diffuse;
-  float u, v;
-};
+using bench::QuadVertex;
 constexpr DWORD kFVF = D3DFVF_XYZ | D3DFVF_DIFFUSE | D3DFVF_TEX1;
 
 SDL_Window* g_window = nullptr;
 void* LookupWindow(HWND) { return g_window; }
 
 // Quads on a grid in clip space, a few pixels each, as fans of four.
-std::vector<CVertex> MakeQuads() {
-  std::vector<CVertex> v;
+std::vector<QuadVertex> MakeQuads() {
+  std::vector<QuadVertex> v;
   const float w = 2.0f / kColumns, h = 2.0f / kRows;
   for (int i = 0; i < kQuads; ++i) {
     float x = -1.0f + float(i % kColumns) * w, y = -1.0f + float(i / kColumns) * h;
@@ -72,142 +70,6 @@ IDirect3DTexture9* MakeTexture(IDirect3DDevice9* device, std::uint32_t color) {
   t->UnlockRect(0);
   return t;
 }
-
-// ---- the limit: plain GL ---------------------------------------------------------
-
-const char* kVertexShader =
-    "#version 330 core\n"
-    "layout(location = 0) in vec3 a_position;\n"
-    "layout(location = 1) in vec4 a_color;\n"
-    "layout(location = 2) in vec2 a_tex;\n"
-    "uniform mat4 u_wvp;\n"
-    "out vec4 v_color;\nout vec2 v_tex;\n"
-    "void main() { gl_Position = u_wvp * vec4(a_position, 1.0); v_color = a_color; v_tex = a_tex; }\n";
-const char* kFragmentShader =
-    "#version 330 core\n"
-    "uniform sampler2D u_texture;\n"
-    "in vec4 v_color;\nin vec2 v_tex;\nout vec4 o_color;\n"
-    "void main() { vec4 t = texture(u_texture, v_tex); o_color = vec4(t.rgb, t.a * v_color.a); }\n";
-
-// One program, one vertex array, one streaming vertex buffer and a fixed
-// index buffer; the frame uploads the vertices and draws them at once. The
-// device's GL bindings are put back afterwards, since it remembers them.
-class PlainGL {
- public:
-  bool Init(const std::vector<CVertex>& vertices) {
-    vertices_ = &vertices;
-    GLuint vs = Compile(GL_VERTEX_SHADER, kVertexShader), fs = Compile(GL_FRAGMENT_SHADER, kFragmentShader);
-    if (!vs || !fs) return false;
-    program_ = glCreateProgram();
-    glAttachShader(program_, vs);
-    glAttachShader(program_, fs);
-    glLinkProgram(program_);
-    glDeleteShader(vs);
-    glDeleteShader(fs);
-    GLint ok = 0;
-    glGetProgramiv(program_, GL_LINK_STATUS, &ok);
-    if (!ok) return false;
-    Saved saved = Save();
-    glUseProgram(program_);
-    const float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    glUniformMatrix4fv(glGetUniformLocation(program_, "u_wvp"), 1, GL_FALSE, identity);
-    glUniform1i(glGetUniformLocation(program_, "u_texture"), 0);
-    glGenVertexArrays(1, &vao_);
-    glBindVertexArray(vao_);
-    glGenBuffers(1, &vbo_);
-    glGenBuffers(1, &ibo_);
-    std::vector<std::uint32_t> indices;
-    for (std::uint32_t q = 0; q < kQuads; ++q)
-      for (std::uint32_t k : {0u, 1u, 2u, 0u, 2u, 3u}) indices.push_back(4 * q + k);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, ibo_);
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(), GL_STATIC_DRAW);
-    glBindBuffer(GL_ARRAY_BUFFER, vbo_);
-    const GLsizei stride = sizeof(CVertex);
-    glEnableVertexAttribArray(0);
-    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(CVertex, x)));
-    glEnableVertexAttribArray(1);
-    glVertexAttribPointer(1, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, stride, reinterpret_cast<void*>(offsetof(CVertex, diffuse)));
-    glEnableVertexAttribArray(2);
-    glVertexAttribPointer(2, 2, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(CVertex, u)));
-    glGenTextures(1, &texture_);
-    glBindTexture(GL_TEXTURE_2D, texture_);
-    std::vector<std::uint32_t> texels(16 * 16, 0xFF40A040u);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 16, 16, 0, GL_BGRA, GL_UNSIGNED_BYTE, texels.data());
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    Restore(saved);
-    return glGetError() == GL_NO_ERROR;
-  }
-
-  void Draw() {
-    Saved saved = Save();
-    glUseProgram(program_);
-    glBindVertexArray(vao_);
-    glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, texture_);
-    glBindSampler(0, 0);
-    glViewport(0, 0, kWidth, kHeight);
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glDisable(GL_CULL_FACE);
-    std::size_t bytes = vertices_->size() * sizeof(CVertex);
-    glBindBuffer(GL_ARRAY_BUFFER, vbo_);
-    glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(bytes), nullptr, GL_STREAM_DRAW);
-    glBufferSubData(GL_ARRAY_BUFFER, 0, GLsizeiptr(bytes), vertices_->data());
-    glDrawElements(GL_TRIANGLES, kQuads * 6, GL_UNSIGNED_INT, nullptr);
-    Restore(saved);
-  }
-
- private:
-  struct Saved {
-    GLint program, vao, arrayBuffer, activeTexture, texture0, sampler0, blend, src, dst, cull;
-    GLint viewport[4];
-  };
-  static Saved Save() {
-    Saved s{};
-    glGetIntegerv(GL_CURRENT_PROGRAM, &s.program);
-    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &s.vao);
-    glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &s.arrayBuffer);
-    glGetIntegerv(GL_ACTIVE_TEXTURE, &s.activeTexture);
-    glActiveTexture(GL_TEXTURE0);
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &s.texture0);
-    glGetIntegerv(GL_SAMPLER_BINDING, &s.sampler0);
-    s.blend = glIsEnabled(GL_BLEND);
-    s.cull = glIsEnabled(GL_CULL_FACE);
-    glGetIntegerv(GL_BLEND_SRC_RGB, &s.src);
-    glGetIntegerv(GL_BLEND_DST_RGB, &s.dst);
-    glGetIntegerv(GL_VIEWPORT, s.viewport);
-    return s;
-  }
-  static void Restore(const Saved& s) {
-    glUseProgram(GLuint(s.program));
-    glBindVertexArray(GLuint(s.vao));
-    glBindBuffer(GL_ARRAY_BUFFER, GLuint(s.arrayBuffer));
-    glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, GLuint(s.texture0));
-    glBindSampler(0, GLuint(s.sampler0));
-    glActiveTexture(GLenum(s.activeTexture));
-    s.blend ? glEnable(GL_BLEND) : glDisable(GL_BLEND);
-    s.cull ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
-    glBlendFunc(GLenum(s.src), GLenum(s.dst));
-    glViewport(s.viewport[0], s.viewport[1], s.viewport[2], s.viewport[3]);
-  }
-  static GLuint Compile(GLenum type, const char* text) {
-    GLuint s = glCreateShader(type);
-    glShaderSource(s, 1, &text, nullptr);
-    glCompileShader(s);
-    GLint ok = 0;
-    glGetShaderiv(s, GL_COMPILE_STATUS, &ok);
-    if (!ok) {
-      glDeleteShader(s);
-      return 0;
-    }
-    return s;
-  }
-
-  const std::vector<CVertex>* vertices_ = nullptr;
-  GLuint program_ = 0, vao_ = 0, vbo_ = 0, ibo_ = 0, texture_ = 0;
-};
 
 // ---- measurement -------------------------------------------------------------------
 
@@ -286,7 +148,7 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  const std::vector<CVertex> quads = MakeQuads();
+  const std::vector<QuadVertex> quads = MakeQuads();
   IDirect3DTexture9* textures[3] = {MakeTexture(device, 0xFF2E8B2Eu), MakeTexture(device, 0xFF6B8E23u),
                                     MakeTexture(device, 0xFF8B4513u)};
   D3DMATRIX world{};
@@ -310,11 +172,11 @@ int main(int argc, char** argv) {
       device->SetRenderState(D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA);
       device->SetFVF(kFVF);
       device->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-      device->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, &quads[std::size_t(i) * 4], sizeof(CVertex));
+      device->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, &quads[std::size_t(i) * 4], sizeof(QuadVertex));
     }
   };
-  PlainGL plain;
-  if (!plain.Init(quads)) {
+  bench::PlainGLQuads plain;
+  if (!plain.Init(quads, kWidth, kHeight)) {
     std::fprintf(stderr, "the plain GL program does not build\n");
     return 1;
   }
