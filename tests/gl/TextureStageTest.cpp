@@ -110,6 +110,40 @@ TEST_F(DeviceStageTest, TexCoordIndexPicksTheSetAStageReads) {
   }
 }
 
+TEST_F(DeviceStageTest, AVertexWithoutDiffuseCountsAsOpaqueWhite) {
+  IDirect3DTexture9* texture = MakeTexture(1, 1, {0xC0C04080});
+  device_->SetTexture(0, texture);
+  SetStage(device_, 0, {D3DTOP_MODULATE, TEX, DIF, D3DTOP_MODULATE, TEX, DIF});
+  SetStage(device_, 1, kOff);
+  // Screen vertices with one coordinate set, and the terrain's layout (0x202).
+  struct Screen {
+    float x, y, z, rhw, u, v;
+  };
+  struct Terrain {
+    float x, y, z, u, v, u2, v2;
+  };
+  const Screen screen[4] = {{8, 8, 0.5f, 1, 0, 0}, {40, 8, 0.5f, 1, 1, 0}, {40, 40, 0.5f, 1, 1, 1}, {8, 40, 0.5f, 1, 0, 1}};
+  const Terrain terrain[4] = {{-0.75f, 0.75f, 0.5f, 0, 0, 0, 0}, {0.25f, 0.75f, 0.5f, 1, 0, 0, 0},
+                              {0.25f, -0.25f, 0.5f, 1, 1, 0, 0}, {-0.75f, -0.25f, 0.5f, 0, 1, 0, 0}};
+  struct Case {
+    const char* name;
+    DWORD fvf;
+    const void* vertices;
+    UINT stride;
+  };
+  const Case cases[] = {
+      {"screen vertices", D3DFVF_XYZRHW | D3DFVF_TEX1, screen, sizeof(Screen)},
+      {"terrain vertices", D3DFVF_XYZ | D3DFVF_TEX2, terrain, sizeof(Terrain)},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ClearAll();
+    device_->SetFVF(c.fvf);
+    ASSERT_EQ(device_->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, c.vertices, c.stride), D3D_OK);
+    EXPECT_TRUE(ColorNear(Pixel(24, 24), 0xC0C04080));
+  }
+}
+
 TEST_F(DeviceStageTest, AStageColouringFromANullTextureEndsTheCascade) {
   IDirect3DTexture9* texture = MakeTexture(1, 1, {0xFFC04080});
   constexpr D3DCOLOR kDiffuse = 0x80306090;
