@@ -14,7 +14,8 @@ const char* kVertexShader =
     "layout(location = 2) in vec2 a_tex;\n"
     "uniform mat4 u_wvp;\n"
     "out vec4 v_color;\nout vec2 v_tex;\n"
-    "void main() { gl_Position = u_wvp * vec4(a_position, 1.0); v_color = a_color; v_tex = a_tex; }\n";
+    "void main() { gl_Position = u_wvp * vec4(a_position, 1.0); v_color = a_color; v_tex = a_tex; "
+    "}\n";
 const char* kFragmentShader =
     "#version 330 core\n"
     "uniform sampler2D u_texture;\n"
@@ -40,7 +41,8 @@ bool PlainGLQuads::Init(const std::vector<QuadVertex>& vertices, int width, int 
   vertices_ = &vertices;
   width_ = width;
   height_ = height;
-  GLuint vs = Compile(GL_VERTEX_SHADER, kVertexShader), fs = Compile(GL_FRAGMENT_SHADER, kFragmentShader);
+  GLuint vs = Compile(GL_VERTEX_SHADER, kVertexShader),
+         fs = Compile(GL_FRAGMENT_SHADER, kFragmentShader);
   if (!vs || !fs) return false;
   program_ = glCreateProgram();
   glAttachShader(program_, vs);
@@ -64,15 +66,19 @@ bool PlainGLQuads::Init(const std::vector<QuadVertex>& vertices, int width, int 
   for (std::uint32_t q = 0; q < vertices.size() / 4; ++q)
     for (std::uint32_t k : {0u, 1u, 2u, 0u, 2u, 3u}) indices.push_back(4 * q + k);
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, ibo_);
-  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(), GL_STATIC_DRAW);
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(),
+               GL_STATIC_DRAW);
   glBindBuffer(GL_ARRAY_BUFFER, vbo_);
   const GLsizei stride = sizeof(QuadVertex);
   glEnableVertexAttribArray(0);
-  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(QuadVertex, x)));
+  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride,
+                        reinterpret_cast<void*>(offsetof(QuadVertex, x)));
   glEnableVertexAttribArray(1);
-  glVertexAttribPointer(1, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, stride, reinterpret_cast<void*>(offsetof(QuadVertex, diffuse)));
+  glVertexAttribPointer(1, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, stride,
+                        reinterpret_cast<void*>(offsetof(QuadVertex, diffuse)));
   glEnableVertexAttribArray(2);
-  glVertexAttribPointer(2, 2, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(QuadVertex, u)));
+  glVertexAttribPointer(2, 2, GL_FLOAT, GL_FALSE, stride,
+                        reinterpret_cast<void*>(offsetof(QuadVertex, u)));
   glGenTextures(1, &texture_);
   glBindTexture(GL_TEXTURE_2D, texture_);
   std::vector<std::uint32_t> texels(16 * 16, 0xFF40A040u);

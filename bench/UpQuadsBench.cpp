@@ -39,7 +39,9 @@ using bench::QuadVertex;
 constexpr DWORD kFVF = D3DFVF_XYZ | D3DFVF_DIFFUSE | D3DFVF_TEX1;
 
 SDL_Window* g_window = nullptr;
-void* LookupWindow(HWND) { return g_window; }
+void* LookupWindow(HWND) {
+  return g_window;
+}
 
 // Quads on a grid in clip space, a few pixels each, as fans of four.
 std::vector<QuadVertex> MakeQuads() {
@@ -58,7 +60,8 @@ std::vector<QuadVertex> MakeQuads() {
 
 IDirect3DTexture9* MakeTexture(IDirect3DDevice9* device, std::uint32_t color) {
   IDirect3DTexture9* t = nullptr;
-  if (FAILED(device->CreateTexture(16, 16, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &t, nullptr))) return nullptr;
+  if (FAILED(device->CreateTexture(16, 16, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &t, nullptr)))
+    return nullptr;
   D3DLOCKED_RECT r{};
   t->LockRect(0, &r, nullptr, 0);
   for (int y = 0; y < 16; ++y)
@@ -126,7 +129,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "no video: %s\n", SDL_GetError());
     return 1;
   }
-  g_window = SDL_CreateWindow("karvo-bench", 0, 0, kWidth, kHeight, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+  g_window =
+      SDL_CreateWindow("karvo-bench", 0, 0, kWidth, kHeight, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
   d3d9gl::SetWindowLookup(LookupWindow);
   IDirect3D9* d3d = Direct3DCreate9(D3D_SDK_VERSION);
   HWND hwnd = reinterpret_cast<HWND>(&g_window);
@@ -143,13 +147,15 @@ int main(int argc, char** argv) {
   pp.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
   IDirect3DDevice9* device = nullptr;
   if (g_window == nullptr || d3d == nullptr ||
-      FAILED(d3d->CreateDevice(0, D3DDEVTYPE_HAL, hwnd, D3DCREATE_HARDWARE_VERTEXPROCESSING, &pp, &device))) {
+      FAILED(d3d->CreateDevice(0, D3DDEVTYPE_HAL, hwnd, D3DCREATE_HARDWARE_VERTEXPROCESSING, &pp,
+                               &device))) {
     std::fprintf(stderr, "no device\n");
     return 1;
   }
 
   const std::vector<QuadVertex> quads = MakeQuads();
-  IDirect3DTexture9* textures[3] = {MakeTexture(device, 0xFF2E8B2Eu), MakeTexture(device, 0xFF6B8E23u),
+  IDirect3DTexture9* textures[3] = {MakeTexture(device, 0xFF2E8B2Eu),
+                                    MakeTexture(device, 0xFF6B8E23u),
                                     MakeTexture(device, 0xFF8B4513u)};
   D3DMATRIX world{};
   world._11 = world._22 = world._33 = world._44 = 1.0f;
@@ -185,12 +191,13 @@ int main(int argc, char** argv) {
   limit.glDraws = 1;  // one glDrawElements, outside the device's count
   Result up = Measure(device, frames, plants);
 
-  std::printf("%d textured quads a frame, %dx%d, median of %d frames, %s\n", kQuads, kWidth, kHeight, frames,
-              reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+  std::printf("%d textured quads a frame, %dx%d, median of %d frames, %s\n", kQuads, kWidth,
+              kHeight, frames, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
   std::printf("%-44s %16s %10s %16s\n", "case", "GL draws/frame", "ms/frame", "ratio to limit");
-  std::printf("%-44s %16u %10.3f %16.2f\n", "limit: one plain GL draw", limit.glDraws, limit.msPerFrame, 1.0);
-  std::printf("%-44s %16u %10.3f %16.2f\n", "5000 DrawPrimitiveUP fans, 3 textures", up.glDraws, up.msPerFrame,
-              up.msPerFrame / limit.msPerFrame);
+  std::printf("%-44s %16u %10.3f %16.2f\n", "limit: one plain GL draw", limit.glDraws,
+              limit.msPerFrame, 1.0);
+  std::printf("%-44s %16u %10.3f %16.2f\n", "5000 DrawPrimitiveUP fans, 3 textures", up.glDraws,
+              up.msPerFrame, up.msPerFrame / limit.msPerFrame);
   bool drawsMet = up.glDraws <= kDrawBudget;
   bool timeMet = up.msPerFrame <= kTimeBudget * limit.msPerFrame;
   std::printf("targets: at most %u GL draws: %s; at most %.1fx the limit: %s\n", kDrawBudget,

@@ -24,8 +24,8 @@ TEST_F(BackBufferTest, MultisamplingSmoothsEdgesAndReadsBackResolved) {
   const Case cases[] = {{D3DMULTISAMPLE_NONE, false}, {D3DMULTISAMPLE_4_SAMPLES, true}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.samples);
-    ASSERT_EQ(d3d_->CheckDeviceMultiSampleType(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, D3DFMT_A8R8G8B8, TRUE, c.samples,
-                                               nullptr),
+    ASSERT_EQ(d3d_->CheckDeviceMultiSampleType(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, D3DFMT_A8R8G8B8,
+                                               TRUE, c.samples, nullptr),
               D3D_OK);
     ASSERT_NO_FATAL_FAILURE(Recreate(Params(c.samples)));
     DiffuseOnly();
@@ -52,9 +52,12 @@ TEST_F(BackBufferTest, ResetKeepsManagedTexturesAndBuffers) {
   IDirect3DTexture9* texture = MakeTexture(2, 2, {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFFFFFFFF});
   IDirect3DVertexBuffer9* vb = nullptr;
   IDirect3DIndexBuffer9* ib = nullptr;
-  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED, &vb, nullptr),
+  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED,
+                                        &vb, nullptr),
             D3D_OK);
-  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib, nullptr), D3D_OK);
+  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
+                                       nullptr),
+            D3D_OK);
   const ScreenVertex quad[4] = {{8, 8, 0.5f, 1, 0xFFFFFFFF, 0, 0, 0, 0},
                                 {40, 8, 0.5f, 1, 0xFFFFFFFF, 1, 0, 0, 0},
                                 {40, 40, 0.5f, 1, 0xFFFFFFFF, 1, 1, 0, 0},
@@ -81,7 +84,8 @@ TEST_F(BackBufferTest, ResetKeepsManagedTexturesAndBuffers) {
     EXPECT_EQ(device_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 2), D3D_OK);
     EXPECT_EQ(device_->EndScene(), D3D_OK);
     std::vector<D3DCOLOR> f = Frame();
-    return std::vector<D3DCOLOR>{f[16 * kSize + 16], f[16 * kSize + 32], f[32 * kSize + 16], f[32 * kSize + 32]};
+    return std::vector<D3DCOLOR>{f[16 * kSize + 16], f[16 * kSize + 32], f[32 * kSize + 16],
+                                 f[32 * kSize + 32]};
   };
   const std::vector<D3DCOLOR> want = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFFFFFFFF};
   ASSERT_EQ(drawAndProbe(), want);
@@ -115,7 +119,9 @@ TEST_F(BackBufferTest, ResetKeepsManagedTexturesAndBuffers) {
 
 TEST_F(BackBufferTest, ResetWaitsForDefaultPoolResourcesToGo) {
   IDirect3DVertexBuffer9* dynamic = nullptr;
-  ASSERT_EQ(device_->CreateVertexBuffer(256, D3DUSAGE_DYNAMIC, kScreenFVF, D3DPOOL_DEFAULT, &dynamic, nullptr), D3D_OK);
+  ASSERT_EQ(device_->CreateVertexBuffer(256, D3DUSAGE_DYNAMIC, kScreenFVF, D3DPOOL_DEFAULT,
+                                        &dynamic, nullptr),
+            D3D_OK);
   D3DPRESENT_PARAMETERS pp = Params();
   EXPECT_EQ(device_->Reset(&pp), D3DERR_INVALIDCALL);
   dynamic->Release();

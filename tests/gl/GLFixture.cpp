@@ -15,9 +15,13 @@ SDL_Window* s_window = nullptr;
 // Any non-null handle: the lookup ignores it and answers the test's window.
 HWND const kWindowHandle = reinterpret_cast<HWND>(&s_window);
 
-void* LookupTestWindow(HWND) { return s_window; }
+void* LookupTestWindow(HWND) {
+  return s_window;
+}
 
-int Channel(D3DCOLOR c, int shift) { return int((c >> shift) & 0xFF); }
+int Channel(D3DCOLOR c, int shift) {
+  return int((c >> shift) & 0xFF);
+}
 
 }  // namespace
 
@@ -34,7 +38,8 @@ int Channel(D3DCOLOR c, int shift) { return int((c >> shift) & 0xFF); }
 
 void DeviceTest::SetUp() {
   ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_VIDEO), 0) << SDL_GetError();
-  s_window = SDL_CreateWindow("karvo-gl-test", 0, 0, int(kSize), int(kSize), SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+  s_window = SDL_CreateWindow("karvo-gl-test", 0, 0, int(kSize), int(kSize),
+                              SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
   ASSERT_NE(s_window, nullptr) << SDL_GetError();
   d3d9gl::SetWindowLookup(LookupTestWindow);
   d3d_ = Direct3DCreate9(D3D_SDK_VERSION);
@@ -75,8 +80,8 @@ void DeviceTest::Recreate(D3DPRESENT_PARAMETERS pp) {
   textures_.clear();
   if (device_) device_->Release();
   device_ = nullptr;
-  ASSERT_EQ(d3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, kWindowHandle, D3DCREATE_HARDWARE_VERTEXPROCESSING,
-                               &pp, &device_),
+  ASSERT_EQ(d3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, kWindowHandle,
+                               D3DCREATE_HARDWARE_VERTEXPROCESSING, &pp, &device_),
             D3D_OK);
   ASSERT_NE(device_, nullptr);
   // Pre-transformed quads are drawn either way round.
@@ -84,17 +89,19 @@ void DeviceTest::Recreate(D3DPRESENT_PARAMETERS pp) {
   device_->SetFVF(kScreenFVF);
 }
 
-IDirect3DTexture9* DeviceTest::MakeTexture(UINT width, UINT height, const std::vector<D3DCOLOR>& texels, UINT levels,
+IDirect3DTexture9* DeviceTest::MakeTexture(UINT width, UINT height,
+                                           const std::vector<D3DCOLOR>& texels, UINT levels,
                                            D3DPOOL pool, D3DFORMAT format) {
   IDirect3DTexture9* texture = nullptr;
-  EXPECT_EQ(device_->CreateTexture(width, height, levels, 0, format, pool, &texture, nullptr), D3D_OK);
+  EXPECT_EQ(device_->CreateTexture(width, height, levels, 0, format, pool, &texture, nullptr),
+            D3D_OK);
   if (texture == nullptr) return nullptr;
   textures_.push_back(texture);
   D3DLOCKED_RECT locked{};
   EXPECT_EQ(texture->LockRect(0, &locked, nullptr, 0), D3D_OK);
   for (UINT y = 0; y < height; ++y)
-    std::memcpy(static_cast<std::uint8_t*>(locked.pBits) + std::size_t(y) * locked.Pitch, &texels[y * width],
-                width * sizeof(D3DCOLOR));
+    std::memcpy(static_cast<std::uint8_t*>(locked.pBits) + std::size_t(y) * locked.Pitch,
+                &texels[y * width], width * sizeof(D3DCOLOR));
   EXPECT_EQ(texture->UnlockRect(0), D3D_OK);
   return texture;
 }
@@ -106,7 +113,8 @@ void DeviceTest::FillLevel(IDirect3DTexture9* texture, UINT level, D3DCOLOR colo
   ASSERT_EQ(texture->LockRect(level, &locked, nullptr, 0), D3D_OK);
   for (UINT y = 0; y < desc.Height; ++y)
     for (UINT x = 0; x < desc.Width; ++x)
-      std::memcpy(static_cast<std::uint8_t*>(locked.pBits) + std::size_t(y) * locked.Pitch + x * 4, &color, 4);
+      std::memcpy(static_cast<std::uint8_t*>(locked.pBits) + std::size_t(y) * locked.Pitch + x * 4,
+                  &color, 4);
   ASSERT_EQ(texture->UnlockRect(level), D3D_OK);
 }
 
@@ -125,7 +133,8 @@ HRESULT DeviceTest::Quad(const Rect& r, D3DCOLOR diffuse, UV uv, float z, const 
   return device_->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, v, sizeof(ScreenVertex));
 }
 
-HRESULT DeviceTest::Triangle(float x0, float y0, float x1, float y1, float x2, float y2, D3DCOLOR diffuse) {
+HRESULT DeviceTest::Triangle(float x0, float y0, float x1, float y1, float x2, float y2,
+                             D3DCOLOR diffuse) {
   ScreenVertex v[3] = {
       {x0, y0, 0.5f, 1.0f, diffuse, 0, 0, 0, 0},
       {x1, y1, 0.5f, 1.0f, diffuse, 0, 0, 0, 0},
@@ -144,6 +153,8 @@ std::vector<D3DCOLOR> DeviceTest::Frame() {
   return std::vector<D3DCOLOR>(argb.begin(), argb.end());
 }
 
-D3DCOLOR DeviceTest::Pixel(int x, int y) { return Frame()[std::size_t(y) * kSize + std::size_t(x)]; }
+D3DCOLOR DeviceTest::Pixel(int x, int y) {
+  return Frame()[std::size_t(y) * kSize + std::size_t(x)];
+}
 
 }  // namespace gltest

@@ -61,8 +61,9 @@ class DeviceTest : public ::testing::Test {
 
   // A texture whose top level holds `texels` (row by row); lower levels, if
   // any, are left black. Released by the fixture.
-  IDirect3DTexture9* MakeTexture(UINT width, UINT height, const std::vector<D3DCOLOR>& texels, UINT levels = 1,
-                                 D3DPOOL pool = D3DPOOL_MANAGED, D3DFORMAT format = D3DFMT_A8R8G8B8);
+  IDirect3DTexture9* MakeTexture(UINT width, UINT height, const std::vector<D3DCOLOR>& texels,
+                                 UINT levels = 1, D3DPOOL pool = D3DPOOL_MANAGED,
+                                 D3DFORMAT format = D3DFMT_A8R8G8B8);
   // Fills one level of a texture with a single colour.
   static void FillLevel(IDirect3DTexture9* texture, UINT level, D3DCOLOR color);
 
@@ -70,7 +71,8 @@ class DeviceTest : public ::testing::Test {
   void ClearAll(D3DCOLOR color = 0xFF000000u, float z = 1.0f);
   // One pre-transformed quad as a fan; both coordinate sets are `uv` unless
   // `uv1` is given.
-  HRESULT Quad(const Rect& r, D3DCOLOR diffuse, UV uv = {}, float z = 0.5f, const UV* uv1 = nullptr);
+  HRESULT Quad(const Rect& r, D3DCOLOR diffuse, UV uv = {}, float z = 0.5f,
+               const UV* uv1 = nullptr);
   // Screen vertices of a triangle, in the given order.
   HRESULT Triangle(float x0, float y0, float x1, float y1, float x2, float y2, D3DCOLOR diffuse);
 

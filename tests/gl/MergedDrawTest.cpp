@@ -42,14 +42,16 @@ TEST_F(MergedDrawTest, AlternatingTexturesKeepTheirTexelsAndTheCallOrder) {
   ASSERT_EQ(device_->EndScene(), D3D_OK);
   std::vector<D3DCOLOR> f = Frame();
   const D3DCOLOR colors[3] = {kRed, kGreen, kBlue};
-  for (int i = 0; i < kQuads; ++i) EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], colors[i % 3]) << "quad " << i;
+  for (int i = 0; i < kQuads; ++i)
+    EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], colors[i % 3]) << "quad " << i;
   EXPECT_EQ(GlDrawsOfFrame(), 1u);
 }
 
 TEST_F(MergedDrawTest, MoreTexturesThanOneMergedDrawHolds) {
   constexpr int kQuads = d3d9gl::kBatchTextures + 4;
   std::vector<IDirect3DTexture9*> textures;
-  for (int i = 0; i < kQuads; ++i) textures.push_back(Solid(0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40));
+  for (int i = 0; i < kQuads; ++i)
+    textures.push_back(Solid(0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40));
   ClearAll();
   for (int i = 0; i < kQuads; ++i) {
     device_->SetTexture(0, textures[std::size_t(i)]);
@@ -57,7 +59,9 @@ TEST_F(MergedDrawTest, MoreTexturesThanOneMergedDrawHolds) {
   }
   std::vector<D3DCOLOR> f = Frame();
   for (int i = 0; i < kQuads; ++i)
-    EXPECT_EQ(f[16 * kSize + std::size_t(4 * i + 2)], 0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40) << i;
+    EXPECT_EQ(f[16 * kSize + std::size_t(4 * i + 2)],
+              0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40)
+        << i;
   EXPECT_EQ(GlDrawsOfFrame(), 2u);
 }
 
@@ -71,7 +75,8 @@ TEST_F(MergedDrawTest, AChangeBetweenTwoDrawsAppliesToTheLaterOnly) {
   };
   const Case cases[] = {
       {"nothing", [] {}, 0xFF800000, 0xFF800000},
-      {"colour op", [&] { device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2); }, kGrey, kGrey},
+      {"colour op", [&] { device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2); },
+       kGrey, kGrey},
       {"texels rewritten", [&] { FillLevel(red, 0, kGreen); }, 0xFF008000, 0xFF008000},
       {"another texture", [&] { device_->SetTexture(0, blue); }, 0xFF000080, 0xFF000080},
       {"no texture", [&] { device_->SetTexture(0, nullptr); }, kGrey, kGrey},
@@ -104,9 +109,12 @@ TEST_F(MergedDrawTest, IndexedDrawsKeepTheirPlaceAmongUpDraws) {
   device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
   IDirect3DVertexBuffer9* vb = nullptr;
   IDirect3DIndexBuffer9* ib = nullptr;
-  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED, &vb, nullptr),
+  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED,
+                                        &vb, nullptr),
             D3D_OK);
-  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib, nullptr), D3D_OK);
+  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
+                                       nullptr),
+            D3D_OK);
   const ScreenVertex green[4] = {{16, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
                                  {48, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
                                  {48, 48, 0.5f, 1, kGreen, 0, 0, 0, 0},
@@ -137,7 +145,8 @@ TEST_F(MergedDrawTest, IndexedDrawsKeepTheirPlaceAmongUpDraws) {
 
 TEST_F(MergedDrawTest, ATextureReleasedWhileItsDrawWaitsStillShows) {
   IDirect3DTexture9* owned = nullptr;
-  ASSERT_EQ(device_->CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &owned, nullptr), D3D_OK);
+  ASSERT_EQ(device_->CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &owned, nullptr),
+            D3D_OK);
   FillLevel(owned, 0, kGreen);
   ClearAll();
   device_->SetTexture(0, owned);

@@ -12,8 +12,12 @@ constexpr D3DCOLOR kClear = 0xFF204080;
 constexpr D3DCOLOR kInk = 0xFFFFFFFF;
 
 // Pixel coordinates (y down) to normalised device coordinates (y up).
-float NdcX(float px) { return px / (float(kSize) / 2.0f) - 1.0f; }
-float NdcY(float py) { return 1.0f - py / (float(kSize) / 2.0f); }
+float NdcX(float px) {
+  return px / (float(kSize) / 2.0f) - 1.0f;
+}
+float NdcY(float py) {
+  return 1.0f - py / (float(kSize) / 2.0f);
+}
 
 D3DMATRIX Identity() {
   D3DMATRIX m{};
@@ -35,9 +39,11 @@ class RasterTest : public DeviceTest {
   // A triangle list of transformed vertices given in pixels, at clip depth z.
   HRESULT WorldTriangles(const std::vector<float>& xy, float z, D3DCOLOR color) {
     std::vector<WorldVertex> v;
-    for (std::size_t i = 0; i + 1 < xy.size(); i += 2) v.push_back({NdcX(xy[i]), NdcY(xy[i + 1]), z, color, 0, 0});
+    for (std::size_t i = 0; i + 1 < xy.size(); i += 2)
+      v.push_back({NdcX(xy[i]), NdcY(xy[i + 1]), z, color, 0, 0});
     device_->SetFVF(kWorldFVF);
-    HRESULT hr = device_->DrawPrimitiveUP(D3DPT_TRIANGLELIST, UINT(v.size() / 3), v.data(), sizeof(WorldVertex));
+    HRESULT hr = device_->DrawPrimitiveUP(D3DPT_TRIANGLELIST, UINT(v.size() / 3), v.data(),
+                                          sizeof(WorldVertex));
     device_->SetFVF(kScreenFVF);
     return hr;
   }
@@ -93,8 +99,8 @@ TEST_F(RasterTest, TransformsApplyWorldThenViewThenProjectionToRowVectors) {
     int x, y;
     bool inked;
   };
-  const Probe probes[] = {{25, 9, true}, {55, 39, true}, {23, 20, false}, {40, 7, false}, {56, 20, false},
-                          {40, 40, false}, {28, 36, true}, {50, 4, false}};
+  const Probe probes[] = {{25, 9, true},   {55, 39, true},  {23, 20, false}, {40, 7, false},
+                          {56, 20, false}, {40, 40, false}, {28, 36, true},  {50, 4, false}};
   for (const Probe& p : probes) EXPECT_EQ(Inked(p.x, p.y), p.inked) << p.x << "," << p.y;
 }
 
@@ -138,7 +144,8 @@ TEST_F(RasterTest, CullModesFollowTheWindingOnScreen) {
     ClearAll(kClear);
     device_->SetRenderState(D3DRS_CULLMODE, c.cull);
     if (c.pretransformed) {
-      Triangle(clockwise[0], clockwise[1], clockwise[2], clockwise[3], clockwise[4], clockwise[5], kInk);
+      Triangle(clockwise[0], clockwise[1], clockwise[2], clockwise[3], clockwise[4], clockwise[5],
+               kInk);
       Triangle(counter[0], counter[1], counter[2], counter[3], counter[4], counter[5], kInk);
       ScreenVertex v[4];
       for (int i = 0; i < 4; ++i) v[i] = {strip[i][0], strip[i][1], 0.5f, 1.0f, kInk, 0, 0, 0, 0};
@@ -169,11 +176,23 @@ TEST_F(RasterTest, WireframeDrawsOnlyTheEdges) {
     std::vector<Probe> probes;
   };
   const Case cases[] = {
-      {D3DFILL_SOLID, {{24, 9, true}, {9, 24, true}, {39, 24, true}, {24, 39, true}, {30, 16, true}, {16, 30, true}}},
+      {D3DFILL_SOLID,
+       {{24, 9, true},
+        {9, 24, true},
+        {39, 24, true},
+        {24, 39, true},
+        {30, 16, true},
+        {16, 30, true}}},
       // The four sides and the diagonal between the fan's two triangles.
       {D3DFILL_WIREFRAME,
-       {{24, 8, true}, {8, 24, true}, {40, 24, true}, {24, 40, true}, {24, 24, true}, {24, 9, false},
-        {30, 16, false}, {16, 30, false}}},
+       {{24, 8, true},
+        {8, 24, true},
+        {40, 24, true},
+        {24, 40, true},
+        {24, 24, true},
+        {24, 9, false},
+        {30, 16, false},
+        {16, 30, false}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.fill);

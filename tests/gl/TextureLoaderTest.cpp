@@ -5,9 +5,9 @@
 #include <stb_image_write.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <cstring>
 #include <iterator>
 #include <string>
 
@@ -33,7 +33,8 @@ class TextureLoaderTest : public DeviceTest {
   }
 
   // Pixels as bytes R, G, B(, A), `channels` per pixel.
-  std::string Png(const char* name, int w, int h, int channels, const std::vector<std::uint8_t>& pixels) {
+  std::string Png(const char* name, int w, int h, int channels,
+                  const std::vector<std::uint8_t>& pixels) {
     std::string path = (dir_ / name).string();
     EXPECT_NE(stbi_write_png(path.c_str(), w, h, channels, pixels.data(), w * channels), 0);
     return path;
@@ -53,10 +54,11 @@ class TextureLoaderTest : public DeviceTest {
     return std::string(std::istreambuf_iterator<char>(in), {});
   }
 
-  HRESULT Load(const std::string& path, D3DCOLOR key, IDirect3DTexture9** out, UINT mips = D3DX_DEFAULT,
-               D3DXIMAGE_INFO* info = nullptr) {
-    return D3DXCreateTextureFromFileExA(device_, path.c_str(), D3DX_DEFAULT, D3DX_DEFAULT, mips, 0, D3DFMT_UNKNOWN,
-                                        D3DPOOL_MANAGED, D3DX_DEFAULT, D3DX_DEFAULT, key, info, nullptr, out);
+  HRESULT Load(const std::string& path, D3DCOLOR key, IDirect3DTexture9** out,
+               UINT mips = D3DX_DEFAULT, D3DXIMAGE_INFO* info = nullptr) {
+    return D3DXCreateTextureFromFileExA(device_, path.c_str(), D3DX_DEFAULT, D3DX_DEFAULT, mips, 0,
+                                        D3DFMT_UNKNOWN, D3DPOOL_MANAGED, D3DX_DEFAULT, D3DX_DEFAULT,
+                                        key, info, nullptr, out);
   }
   // The texels of one level, row by row (32-bit formats).
   static std::vector<D3DCOLOR> Texels(IDirect3DTexture9* t, UINT level) {
@@ -68,7 +70,8 @@ class TextureLoaderTest : public DeviceTest {
     for (UINT y = 0; y < desc.Height; ++y)
       for (UINT x = 0; x < desc.Width; ++x) {
         D3DCOLOR c;
-        std::memcpy(&c, static_cast<const std::uint8_t*>(locked.pBits) + y * locked.Pitch + x * 4, 4);
+        std::memcpy(&c, static_cast<const std::uint8_t*>(locked.pBits) + y * locked.Pitch + x * 4,
+                    4);
         out.push_back(c);
       }
     t->UnlockRect(level);
@@ -80,10 +83,10 @@ class TextureLoaderTest : public DeviceTest {
 
 TEST_F(TextureLoaderTest, ColourKeyMatchesTheWholeArgbWord) {
   const std::string rgba = Png("rgba.png", 2, 2, 4,
-                               {255, 255, 255, 0,      // white, alpha 0
-                                255, 255, 255, 255,    // opaque white
-                                0, 0, 255, 0x64,       // the rain key
-                                0, 0, 254, 0x64});     // one step from it
+                               {255, 255, 255, 0,    // white, alpha 0
+                                255, 255, 255, 255,  // opaque white
+                                0, 0, 255, 0x64,     // the rain key
+                                0, 0, 254, 0x64});   // one step from it
   const std::string rgb = Png("rgb.png", 2, 1, 3, {0, 0, 255, 255, 255, 255});
   const std::string jpg = Jpg("white.jpg", 8, 8, std::vector<std::uint8_t>(8 * 8 * 3, 255));
   struct Case {
@@ -94,16 +97,42 @@ TEST_F(TextureLoaderTest, ColourKeyMatchesTheWholeArgbWord) {
     std::vector<D3DCOLOR> want;  // first texels of the top level
   };
   const Case cases[] = {
-      {"white with alpha 0 becomes transparent black", rgba, 0x00FFFFFF, D3DFMT_A8R8G8B8,
+      {"white with alpha 0 becomes transparent black",
+       rgba,
+       0x00FFFFFF,
+       D3DFMT_A8R8G8B8,
        {0x00000000, 0xFFFFFFFF, 0x640000FF, 0x640000FE}},
-      {"the rain key", rgba, 0x640000FF, D3DFMT_A8R8G8B8, {0x00FFFFFF, 0xFFFFFFFF, 0x00000000, 0x640000FE}},
-      {"no key changes nothing", rgba, 0, D3DFMT_A8R8G8B8, {0x00FFFFFF, 0xFFFFFFFF, 0x640000FF, 0x640000FE}},
-      {"a file without alpha reads opaque: the rain key misses", rgb, 0x640000FF, D3DFMT_A8R8G8B8,
+      {"the rain key",
+       rgba,
+       0x640000FF,
+       D3DFMT_A8R8G8B8,
+       {0x00FFFFFF, 0xFFFFFFFF, 0x00000000, 0x640000FE}},
+      {"no key changes nothing",
+       rgba,
+       0,
+       D3DFMT_A8R8G8B8,
+       {0x00FFFFFF, 0xFFFFFFFF, 0x640000FF, 0x640000FE}},
+      {"a file without alpha reads opaque: the rain key misses",
+       rgb,
+       0x640000FF,
+       D3DFMT_A8R8G8B8,
        {0xFF0000FF, 0xFFFFFFFF}},
-      {"a file without alpha and no key is X8R8G8B8", rgb, 0, D3DFMT_X8R8G8B8, {0xFF0000FF, 0xFFFFFFFF}},
-      {"the opaque white of a jpg is kept", jpg, 0x00FFFFFF, D3DFMT_A8R8G8B8, {0xFFFFFFFF, 0xFFFFFFFF}},
+      {"a file without alpha and no key is X8R8G8B8",
+       rgb,
+       0,
+       D3DFMT_X8R8G8B8,
+       {0xFF0000FF, 0xFFFFFFFF}},
+      {"the opaque white of a jpg is kept",
+       jpg,
+       0x00FFFFFF,
+       D3DFMT_A8R8G8B8,
+       {0xFFFFFFFF, 0xFFFFFFFF}},
       // The same file under an opaque white key: its texels are exactly white.
-      {"the jpg under an opaque white key", jpg, 0xFFFFFFFF, D3DFMT_A8R8G8B8, {0x00000000, 0x00000000}},
+      {"the jpg under an opaque white key",
+       jpg,
+       0xFFFFFFFF,
+       D3DFMT_A8R8G8B8,
+       {0x00000000, 0x00000000}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -129,12 +158,14 @@ TEST_F(TextureLoaderTest, SizesRoundUpToPowersOfTwoWithAFullMipChain) {
     UINT wantW, wantH, wantLevels;
   };
   const Case cases[] = {
-      {3, 5, D3DX_DEFAULT, 4, 8, 4},   {16, 16, D3DX_DEFAULT, 16, 16, 5}, {100, 1, D3DX_DEFAULT, 128, 1, 8},
-      {33, 17, 0, 64, 32, 7},          {1, 1, D3DX_DEFAULT, 1, 1, 1},     {16, 16, 2, 16, 16, 2},
+      {3, 5, D3DX_DEFAULT, 4, 8, 4},     {16, 16, D3DX_DEFAULT, 16, 16, 5},
+      {100, 1, D3DX_DEFAULT, 128, 1, 8}, {33, 17, 0, 64, 32, 7},
+      {1, 1, D3DX_DEFAULT, 1, 1, 1},     {16, 16, 2, 16, 16, 2},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::to_string(c.w) + "x" + std::to_string(c.h));
-    std::string path = Png("size.png", c.w, c.h, 3, std::vector<std::uint8_t>(std::size_t(c.w * c.h * 3), 90));
+    std::string path =
+        Png("size.png", c.w, c.h, 3, std::vector<std::uint8_t>(std::size_t(c.w * c.h * 3), 90));
     IDirect3DTexture9* texture = nullptr;
     D3DXIMAGE_INFO info{};
     ASSERT_EQ(Load(path, 0, &texture, c.mips, &info), D3D_OK);
@@ -152,7 +183,8 @@ TEST_F(TextureLoaderTest, SizesRoundUpToPowersOfTwoWithAFullMipChain) {
     texture->Release();
   }
   // The simple loader takes every default; each level averages the one above.
-  std::string checker = Png("checker.png", 2, 2, 3, {0, 0, 0, 255, 255, 255, 255, 255, 255, 0, 0, 0});
+  std::string checker =
+      Png("checker.png", 2, 2, 3, {0, 0, 0, 255, 255, 255, 255, 255, 255, 0, 0, 0});
   IDirect3DTexture9* texture = nullptr;
   ASSERT_EQ(D3DXCreateTextureFromFileA(device_, checker.c_str(), &texture), D3D_OK);
   ASSERT_EQ(texture->GetLevelCount(), 2u);
@@ -161,7 +193,8 @@ TEST_F(TextureLoaderTest, SizesRoundUpToPowersOfTwoWithAFullMipChain) {
 }
 
 TEST_F(TextureLoaderTest, BadFilesGiveANegativeResultAndNoTexture) {
-  const std::string png = Read(Png("good.png", 16, 16, 3, std::vector<std::uint8_t>(16 * 16 * 3, 200)));
+  const std::string png =
+      Read(Png("good.png", 16, 16, 3, std::vector<std::uint8_t>(16 * 16 * 3, 200)));
   // Noise keeps the scan data much longer than the headers before it.
   std::vector<std::uint8_t> noise(64 * 64 * 3);
   for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = std::uint8_t(i * 37 + i / 7);

@@ -32,51 +32,69 @@ TEST_F(DeviceStageTest, EachOperationCombinesTexelAndDiffuseAndClamps) {
   struct Case {
     const char* name;
     StageOps ops;
-    D3DCOLOR texel, diffuse, want;
+    struct {
+      D3DCOLOR texel, diffuse, want;
+    } colors;
   };
   const Case cases[] = {
-      {"SELECTARG1 texture", {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC04080, 0xFF123456,
-       0xFFC04080},
-      {"SELECTARG2 diffuse", {D3DTOP_SELECTARG2, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC04080, 0xFF123456,
-       0xFF123456},
-      {"MODULATE", {D3DTOP_MODULATE, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC08040, 0xFF80FF20, 0xFF608008},
-      {"MODULATE of CURRENT, the diffuse at stage 0",
+      {"SELECTARG1 texture",
+       {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC04080, 0xFF123456, 0xFFC04080}},
+      {"SELECTARG2 diffuse",
+       {D3DTOP_SELECTARG2, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC04080, 0xFF123456, 0xFF123456}},
+      {"MODULATE",
+       {D3DTOP_MODULATE, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC08040, 0xFF80FF20, 0xFF608008}},
+      {"MODULATE of CURRENT, which is the diffuse at stage 0",
        {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, TEX, DIF},
-       0xFFC08040,
-       0xFF80FF20,
-       0xFF608008},
-      {"MODULATE2X clamps green", {D3DTOP_MODULATE2X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC08040, 0xFF80FF20,
-       0xFFC1FF10},
-      {"MODULATE4X clamps green", {D3DTOP_MODULATE4X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFF408020, 0xFF40FF80,
-       0xFF40FF40},
-      {"ADD clamps green", {D3DTOP_ADD, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFF40C010, 0xFF308020, 0xFF70FF30},
-      {"ADDSIGNED clamps both ways", {D3DTOP_ADDSIGNED, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFF40C010,
-       0xFF80FF20, 0xFF40FF00},
-      {"ADDSIGNED2X clamps both ways", {D3DTOP_ADDSIGNED2X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFF40C010,
-       0xFF608020, 0xFF41FF00},
-      {"SUBTRACT texture minus diffuse", {D3DTOP_SUBTRACT, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC04080,
-       0xFF408020, 0xFF800060},
-      {"SUBTRACT diffuse minus texture", {D3DTOP_SUBTRACT, DIF, TEX, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC04080,
-       0xFF408020, 0xFF004000},
-      {"DISABLE at stage 0 leaves the diffuse", {D3DTOP_DISABLE, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF}, 0xFFC04080,
-       0x80123456, 0x80123456},
-      {"alpha MODULATE", {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_MODULATE, TEX, DIF}, 0x80C04080, 0x80123456,
-       0x40C04080},
-      {"alpha SELECTARG2 diffuse", {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SELECTARG2, TEX, DIF}, 0x20C04080, 0x90123456,
-       0x90C04080},
-      {"alpha ADD clamps", {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_ADD, TEX, DIF}, 0xC0C04080, 0x80123456, 0xFFC04080},
-      {"alpha SUBTRACT clamps at zero", {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SUBTRACT, TEX, DIF}, 0x40C04080,
-       0x80123456, 0x00C04080},
+       {0xFFC08040, 0xFF80FF20, 0xFF608008}},
+      {"MODULATE2X clamps green",
+       {D3DTOP_MODULATE2X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC08040, 0xFF80FF20, 0xFFC1FF10}},
+      {"MODULATE4X clamps green",
+       {D3DTOP_MODULATE4X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFF408020, 0xFF40FF80, 0xFF40FF40}},
+      {"ADD clamps green",
+       {D3DTOP_ADD, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFF40C010, 0xFF308020, 0xFF70FF30}},
+      {"ADDSIGNED clamps both ways",
+       {D3DTOP_ADDSIGNED, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFF40C010, 0xFF80FF20, 0xFF40FF00}},
+      {"ADDSIGNED2X clamps both ways",
+       {D3DTOP_ADDSIGNED2X, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFF40C010, 0xFF608020, 0xFF41FF00}},
+      {"SUBTRACT texture - diffuse",
+       {D3DTOP_SUBTRACT, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC04080, 0xFF408020, 0xFF800060}},
+      {"SUBTRACT diffuse - texture",
+       {D3DTOP_SUBTRACT, DIF, TEX, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC04080, 0xFF408020, 0xFF004000}},
+      {"DISABLE at stage 0 leaves the diffuse",
+       {D3DTOP_DISABLE, TEX, DIF, D3DTOP_SELECTARG1, TEX, DIF},
+       {0xFFC04080, 0x80123456, 0x80123456}},
+      {"alpha MODULATE",
+       {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_MODULATE, TEX, DIF},
+       {0x80C04080, 0x80123456, 0x40C04080}},
+      {"alpha SELECTARG2 diffuse",
+       {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SELECTARG2, TEX, DIF},
+       {0x20C04080, 0x90123456, 0x90C04080}},
+      {"alpha ADD clamps",
+       {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_ADD, TEX, DIF},
+       {0xC0C04080, 0x80123456, 0xFFC04080}},
+      {"alpha SUBTRACT clamps at 0",
+       {D3DTOP_SELECTARG1, TEX, DIF, D3DTOP_SUBTRACT, TEX, DIF},
+       {0x40C04080, 0x80123456, 0x00C04080}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    IDirect3DTexture9* texture = MakeTexture(1, 1, {c.texel});
+    IDirect3DTexture9* texture = MakeTexture(1, 1, {c.colors.texel});
     ClearAll();
     device_->SetTexture(0, texture);
     SetStage(device_, 0, c.ops);
     SetStage(device_, 1, kOff);
-    ASSERT_EQ(Quad(kQuad, c.diffuse), D3D_OK);
-    EXPECT_TRUE(ColorNear(Pixel(24, 24), c.want));
+    ASSERT_EQ(Quad(kQuad, c.colors.diffuse), D3D_OK);
+    EXPECT_TRUE(ColorNear(Pixel(24, 24), c.colors.want));
   }
 }
 
@@ -122,9 +140,14 @@ TEST_F(DeviceStageTest, AVertexWithoutDiffuseCountsAsOpaqueWhite) {
   struct Terrain {
     float x, y, z, u, v, u2, v2;
   };
-  const Screen screen[4] = {{8, 8, 0.5f, 1, 0, 0}, {40, 8, 0.5f, 1, 1, 0}, {40, 40, 0.5f, 1, 1, 1}, {8, 40, 0.5f, 1, 0, 1}};
-  const Terrain terrain[4] = {{-0.75f, 0.75f, 0.5f, 0, 0, 0, 0}, {0.25f, 0.75f, 0.5f, 1, 0, 0, 0},
-                              {0.25f, -0.25f, 0.5f, 1, 1, 0, 0}, {-0.75f, -0.25f, 0.5f, 0, 1, 0, 0}};
+  const Screen screen[4] = {{8, 8, 0.5f, 1, 0, 0},
+                            {40, 8, 0.5f, 1, 1, 0},
+                            {40, 40, 0.5f, 1, 1, 1},
+                            {8, 40, 0.5f, 1, 0, 1}};
+  const Terrain terrain[4] = {{-0.75f, 0.75f, 0.5f, 0, 0, 0, 0},
+                              {0.25f, 0.75f, 0.5f, 1, 0, 0, 0},
+                              {0.25f, -0.25f, 0.5f, 1, 1, 0, 0},
+                              {-0.75f, -0.25f, 0.5f, 0, 1, 0, 0}};
   struct Case {
     const char* name;
     DWORD fvf;
@@ -156,17 +179,36 @@ TEST_F(DeviceStageTest, AStageColouringFromANullTextureEndsTheCascade) {
     D3DCOLOR want;
   };
   const Case cases[] = {
-      {"NULL stage 0 under MODULATE shows the diffuse colour and alpha", false,
-       {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR}, false, kOff, kDiffuse},
-      {"NULL stage 0 under SELECTARG1 shows the diffuse", false,
-       {D3DTOP_SELECTARG1, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR}, false, kOff, kDiffuse},
-      {"NULL stage 0 skips a textured stage 1 as well", false,
-       {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR}, true,
-       {D3DTOP_ADD, TEX, CUR, D3DTOP_DISABLE, TEX, CUR}, kDiffuse},
-      {"NULL stage 1 keeps the result of stage 0", true, {D3DTOP_SELECTARG1, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR},
-       false, {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, DIF, CUR}, 0xFFC04080},
-      {"NULL stage 0 that colours from the diffuse alone still runs", false,
-       {D3DTOP_ADD, DIF, CUR, D3DTOP_SELECTARG1, DIF, CUR}, false, kOff, 0x8060C0FF},
+      {"NULL stage 0 under MODULATE shows the diffuse colour and alpha",
+       false,
+       {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR},
+       false,
+       kOff,
+       kDiffuse},
+      {"NULL stage 0 under SELECTARG1 shows the diffuse",
+       false,
+       {D3DTOP_SELECTARG1, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR},
+       false,
+       kOff,
+       kDiffuse},
+      {"NULL stage 0 skips a textured stage 1 as well",
+       false,
+       {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR},
+       true,
+       {D3DTOP_ADD, TEX, CUR, D3DTOP_DISABLE, TEX, CUR},
+       kDiffuse},
+      {"NULL stage 1 keeps the result of stage 0",
+       true,
+       {D3DTOP_SELECTARG1, TEX, CUR, D3DTOP_SELECTARG1, TEX, CUR},
+       false,
+       {D3DTOP_MODULATE, TEX, CUR, D3DTOP_SELECTARG1, DIF, CUR},
+       0xFFC04080},
+      {"NULL stage 0 that colours from the diffuse alone still runs",
+       false,
+       {D3DTOP_ADD, DIF, CUR, D3DTOP_SELECTARG1, DIF, CUR},
+       false,
+       kOff,
+       0x8060C0FF},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -189,11 +231,17 @@ TEST_F(DeviceStageTest, StageOneWorksOnTheClampedResultOfStageZero) {
   };
   const Case cases[] = {
       // Unclamped, red and green would come back to 0xC0 and 0x40.
-      {"a sum above 1 is cut to 1 before stage 1 subtracts", {D3DTOP_ADD, TEX, DIF, D3DTOP_SELECTARG1, TEX, CUR},
-       {D3DTOP_SUBTRACT, CUR, TEX, D3DTOP_DISABLE, TEX, CUR}, 0xFFC04000, 0xFF3F3F00},
+      {"a sum above 1 is cut to 1 before stage 1 subtracts",
+       {D3DTOP_ADD, TEX, DIF, D3DTOP_SELECTARG1, TEX, CUR},
+       {D3DTOP_SUBTRACT, CUR, TEX, D3DTOP_DISABLE, TEX, CUR},
+       0xFFC04000,
+       0xFF3F3F00},
       // Unclamped, the sum would be back at 0x40.
-      {"a difference below 0 is cut to 0 before stage 1 adds", {D3DTOP_SUBTRACT, DIF, TEX, D3DTOP_SELECTARG1, TEX, CUR},
-       {D3DTOP_ADD, CUR, TEX, D3DTOP_DISABLE, TEX, CUR}, 0xFF404040, 0xFFC0C0C0},
+      {"a difference below 0 is cut to 0 before stage 1 adds",
+       {D3DTOP_SUBTRACT, DIF, TEX, D3DTOP_SELECTARG1, TEX, CUR},
+       {D3DTOP_ADD, CUR, TEX, D3DTOP_DISABLE, TEX, CUR},
+       0xFF404040,
+       0xFFC0C0C0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
