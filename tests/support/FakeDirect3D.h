@@ -8,8 +8,11 @@
 // operation, a failure to give on the n-th call. The fake counts every call
 // and its own references, and records the last CreateDevice request and the
 // texture format queries.
+//
+// Header-only, like the recording device: a test just includes it.
 #pragma once
 
+#include <cstdio>
 #include <map>
 #include <set>
 #include <utility>
@@ -48,14 +51,38 @@ class FakeDirect3D final : public IDirect3D9 {
 
   // Caps that pass every test of the application's enumeration and offer
   // every filter and colour op, two stages and 16x anisotropy.
-  static D3DCAPS9 GoodCaps(bool hardwareTnL = true, bool pure = false);
-  static D3DDISPLAYMODE Mode(UINT width, UINT height, UINT refresh, D3DFORMAT format) {
-    return {width, height, refresh, format};
+  static D3DCAPS9 GoodCaps(bool hardwareTnL = true, bool pure = false) {
+    D3DCAPS9 caps{};
+    caps.RasterCaps = D3DPRASTERCAPS_DITHER;
+    caps.ShadeCaps = D3DPSHADECAPS_COLORGOURAUDRGB;
+    caps.PrimitiveMiscCaps = D3DPMISCCAPS_CULLCCW;
+    caps.ZCmpCaps = D3DPCMPCAPS_LESSEQUAL;
+    caps.TextureFilterCaps = D3DPTFILTERCAPS_MINFPOINT | D3DPTFILTERCAPS_MINFLINEAR |
+                             D3DPTFILTERCAPS_MINFANISOTROPIC | D3DPTFILTERCAPS_MAGFPOINT | D3DPTFILTERCAPS_MAGFLINEAR |
+                             D3DPTFILTERCAPS_MAGFANISOTROPIC | D3DPTFILTERCAPS_MIPFPOINT | D3DPTFILTERCAPS_MIPFLINEAR;
+    caps.TextureOpCaps = D3DTEXOPCAPS_SELECTARG1 | D3DTEXOPCAPS_ADDSIGNED | D3DTEXOPCAPS_MODULATE2X |
+                         D3DTEXOPCAPS_MODULATE | D3DTEXOPCAPS_ADD | D3DTEXOPCAPS_ADDSIGNED2X |
+                         D3DTEXOPCAPS_MODULATE4X | D3DTEXOPCAPS_SUBTRACT;
+    caps.MaxSimultaneousTextures = 2;
+    caps.MaxAnisotropy = 16;
+    caps.PresentationIntervals = D3DPRESENT_INTERVAL_IMMEDIATE | D3DPRESENT_INTERVAL_ONE | D3DPRESENT_INTERVAL_TWO |
+                                 D3DPRESENT_INTERVAL_THREE | D3DPRESENT_INTERVAL_FOUR;
+    caps.DevCaps = (hardwareTnL ? D3DDEVCAPS_HWTRANSFORMANDLIGHT : 0) | (pure ? D3DDEVCAPS_PUREDEVICE : 0);
+    return caps;
   }
   // A usable adapter: X8R8G8B8 desktop 1024x768@60, one HAL device, back
   // buffers and textures X8R8G8B8 and A8R8G8B8, depth D24S8 and D16, no
   // multisampling.
-  static Adapter GoodAdapter();
+  static Adapter GoodAdapter() {
+    Adapter adapter;
+    adapter.desktop = {1024, 768, 60, D3DFMT_X8R8G8B8};
+    adapter.modes = {adapter.desktop};
+    adapter.devices[D3DDEVTYPE_HAL] = GoodCaps();
+    adapter.backBufferFormats = adapter.textureFormats = {D3DFMT_X8R8G8B8, D3DFMT_A8R8G8B8};
+    adapter.depthFormats = {D3DFMT_D24S8, D3DFMT_D16};
+    adapter.multiSample[D3DMULTISAMPLE_NONE] = 1;
+    return adapter;
+  }
 
   explicit FakeDirect3D(std::vector<Adapter> scripted = {}) : adapters(std::move(scripted)) {}
   std::vector<Adapter> adapters;
@@ -92,27 +119,102 @@ class FakeDirect3D final : public IDirect3D9 {
   ULONG AddRef() override { return ++m_references; }
   ULONG Release() override { return m_references > 0 ? --m_references : 0; }
   UINT GetAdapterCount() override { return static_cast<UINT>(adapters.size()); }
-  HRESULT GetAdapterIdentifier(UINT Adapter, DWORD Flags, D3DADAPTER_IDENTIFIER9* pIdentifier) override;
-  UINT GetAdapterModeCount(UINT Adapter, D3DFORMAT Format) override;
-  HRESULT EnumAdapterModes(UINT Adapter, D3DFORMAT Format, UINT Mode, D3DDISPLAYMODE* pMode) override;
-  HRESULT GetAdapterDisplayMode(UINT Adapter, D3DDISPLAYMODE* pMode) override;
-  HRESULT CheckDeviceType(UINT Adapter, D3DDEVTYPE DevType, D3DFORMAT AdapterFormat, D3DFORMAT BackBufferFormat,
-                          BOOL bWindowed) override;
-  HRESULT CheckDeviceFormat(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT AdapterFormat, DWORD Usage,
-                            D3DRESOURCETYPE RType, D3DFORMAT CheckFormat) override;
-  HRESULT CheckDeviceMultiSampleType(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT SurfaceFormat, BOOL Windowed,
-                                     D3DMULTISAMPLE_TYPE MultiSampleType, DWORD* pQualityLevels) override;
-  HRESULT CheckDepthStencilMatch(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT AdapterFormat,
-                                 D3DFORMAT RenderTargetFormat, D3DFORMAT DepthStencilFormat) override;
-  HRESULT GetDeviceCaps(UINT Adapter, D3DDEVTYPE DeviceType, D3DCAPS9* pCaps) override;
-  HRESULT CreateDevice(UINT Adapter, D3DDEVTYPE DeviceType, HWND hFocusWindow, DWORD BehaviorFlags,
-                       D3DPRESENT_PARAMETERS* pPresentationParameters,
-                       IDirect3DDevice9** ppReturnedDeviceInterface) override;
+
+  HRESULT GetAdapterIdentifier(UINT ordinal, DWORD, D3DADAPTER_IDENTIFIER9* identifier) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_GetAdapterIdentifier, ordinal, adapter); FAILED(hr)) return hr;
+    if (!identifier) return D3DERR_INVALIDCALL;
+    *identifier = D3DADAPTER_IDENTIFIER9{};
+    std::snprintf(identifier->Description, sizeof identifier->Description, "Fake adapter %u", ordinal);
+    return S_OK;
+  }
+  UINT GetAdapterModeCount(UINT ordinal, D3DFORMAT format) override {
+    UINT count = 0;
+    if (ordinal < adapters.size())
+      for (const D3DDISPLAYMODE& mode : adapters[ordinal].modes) count += mode.Format == format ? 1 : 0;
+    return count;
+  }
+  HRESULT EnumAdapterModes(UINT ordinal, D3DFORMAT format, UINT index, D3DDISPLAYMODE* mode) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_EnumAdapterModes, ordinal, adapter); FAILED(hr)) return hr;
+    if (!mode) return D3DERR_INVALIDCALL;
+    for (const D3DDISPLAYMODE& candidate : adapter->modes) {
+      if (candidate.Format == format && index-- == 0) {
+        *mode = candidate;
+        return S_OK;
+      }
+    }
+    return D3DERR_INVALIDCALL;
+  }
+  HRESULT GetAdapterDisplayMode(UINT ordinal, D3DDISPLAYMODE* mode) override {
+    displayModeQueries.push_back(ordinal);
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_GetAdapterDisplayMode, ordinal, adapter); FAILED(hr)) return hr;
+    if (!mode) return D3DERR_INVALIDCALL;
+    *mode = adapter->desktop;
+    return S_OK;
+  }
+  HRESULT CheckDeviceType(UINT ordinal, D3DDEVTYPE type, D3DFORMAT, D3DFORMAT backBuffer, BOOL windowed) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_CheckDeviceType, ordinal, adapter, &type); FAILED(hr)) return hr;
+    if (windowed && adapter->fullscreenOnly) return D3DERR_NOTAVAILABLE;
+    return adapter->backBufferFormats.count(backBuffer) ? S_OK : D3DERR_NOTAVAILABLE;
+  }
+  HRESULT CheckDeviceFormat(UINT ordinal, D3DDEVTYPE type, D3DFORMAT adapterFormat, DWORD usage,
+                            D3DRESOURCETYPE resource, D3DFORMAT format) override {
+    formatQueries.push_back({ordinal, type, adapterFormat, usage, resource, format});
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_CheckDeviceFormat, ordinal, adapter, &type); FAILED(hr)) return hr;
+    const std::set<D3DFORMAT>* accepted = nullptr;
+    if (usage == D3DUSAGE_DEPTHSTENCIL && resource == D3DRTYPE_SURFACE) accepted = &adapter->depthFormats;
+    if (usage == 0 && resource == D3DRTYPE_TEXTURE) accepted = &adapter->textureFormats;
+    return accepted && accepted->count(format) ? S_OK : D3DERR_NOTAVAILABLE;
+  }
+  HRESULT CheckDeviceMultiSampleType(UINT ordinal, D3DDEVTYPE type, D3DFORMAT, BOOL, D3DMULTISAMPLE_TYPE samples,
+                                     DWORD* qualities) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_CheckDeviceMultiSampleType, ordinal, adapter, &type); FAILED(hr)) return hr;
+    const auto found = adapter->multiSample.find(samples);
+    if (found == adapter->multiSample.end()) return D3DERR_NOTAVAILABLE;
+    if (qualities) *qualities = found->second;
+    return S_OK;
+  }
+  HRESULT CheckDepthStencilMatch(UINT ordinal, D3DDEVTYPE type, D3DFORMAT, D3DFORMAT renderTarget,
+                                 D3DFORMAT depth) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_CheckDepthStencilMatch, ordinal, adapter, &type); FAILED(hr)) return hr;
+    return adapter->unmatchedDepth.count({renderTarget, depth}) ? D3DERR_NOTAVAILABLE : S_OK;
+  }
+  HRESULT GetDeviceCaps(UINT ordinal, D3DDEVTYPE type, D3DCAPS9* caps) override {
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_GetDeviceCaps, ordinal, adapter); FAILED(hr)) return hr;
+    if (!caps) return D3DERR_INVALIDCALL;
+    const auto found = adapter->devices.find(type);
+    if (found == adapter->devices.end()) return D3DERR_NOTAVAILABLE;
+    *caps = found->second;
+    return S_OK;
+  }
+  HRESULT CreateDevice(UINT ordinal, D3DDEVTYPE type, HWND focusWindow, DWORD flags, D3DPRESENT_PARAMETERS* params,
+                       IDirect3DDevice9** device) override {
+    lastCreate = {ordinal, type, focusWindow, flags, params ? *params : lastCreate.params};
+    const Adapter* adapter = nullptr;
+    if (const HRESULT hr = Enter(CALL_CreateDevice, ordinal, adapter); FAILED(hr)) return hr;
+    if (!device || !params || !deviceToCreate) return D3DERR_INVALIDCALL;
+    deviceToCreate->AddRef();
+    *device = deviceToCreate;
+    return S_OK;
+  }
 
  private:
   // Counts the call and gives its scripted failure; otherwise finds the
   // adapter, which must have a device of `type` unless that is null.
-  HRESULT Enter(Call call, UINT ordinal, const Adapter*& adapter, const D3DDEVTYPE* type = nullptr);
+  HRESULT Enter(Call call, UINT ordinal, const Adapter*& adapter, const D3DDEVTYPE* type = nullptr) {
+    const int index = m_calls[call]++;
+    const Failure& failure = m_failures[call];
+    if (failure.count >= 0 && (index == failure.count || (failure.sticky && index > failure.count))) return failure.hr;
+    adapter = ordinal < adapters.size() ? &adapters[ordinal] : nullptr;
+    return adapter && (!type || adapter->devices.count(*type)) ? S_OK : D3DERR_INVALIDCALL;
+  }
 
   struct Failure {
     HRESULT hr = S_OK;
