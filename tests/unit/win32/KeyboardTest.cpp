@@ -8,6 +8,7 @@
 #include "platform/win32/Win32State.h"
 
 using win32::detail::VirtualKeyOfSdl;
+using win32test::Take;
 
 namespace {
 
@@ -33,8 +34,7 @@ class SdlKeyEvents : public ::testing::Test {
   void SetUp() override {
     win32::script::Disable();
     ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+    while (Take().message != 0) {
     }
   }
   void TearDown() override { SDL_QuitSubSystem(SDL_INIT_EVENTS); }
@@ -54,16 +54,14 @@ TEST_F(SdlKeyEvents, KeyEventsBecomeMessagesAndTheTable) {
   PushKey(SDL_KEYDOWN, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
   PushKey(SDL_KEYDOWN, SDLK_RETURN, SDL_SCANCODE_RETURN);
   PushKey(SDL_KEYDOWN, SDLK_RETURN, SDL_SCANCODE_RETURN, 1);
-  MSG msg;
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  MSG msg = Take();
   EXPECT_EQ(msg.message, static_cast<UINT>(WM_KEYDOWN));
   EXPECT_EQ(msg.wParam, static_cast<WPARAM>(VK_SHIFT)) << "messages carry the generic shift";
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  msg = Take();
   EXPECT_EQ(msg.wParam, static_cast<WPARAM>(VK_RETURN));
   EXPECT_EQ(msg.lParam & 0xFFFF, 1) << "repeat count";
   EXPECT_EQ(msg.lParam & (1 << 30), 0) << "first press: the key was up";
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_NE(msg.lParam & (1 << 30), 0) << "auto-repeat: the key was down";
+  EXPECT_NE(Take().lParam & (1 << 30), 0) << "auto-repeat: the key was down";
 
   EXPECT_NE(GetKeyState(VK_SHIFT) & 0xFF00, 0);
   EXPECT_NE(GetKeyState(VK_LSHIFT) & 0xFF00, 0);
@@ -73,27 +71,26 @@ TEST_F(SdlKeyEvents, KeyEventsBecomeMessagesAndTheTable) {
 
   PushKey(SDL_KEYUP, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
   PushKey(SDL_KEYUP, SDLK_RETURN, SDL_SCANCODE_RETURN);
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  msg = Take();
   EXPECT_EQ(msg.message, static_cast<UINT>(WM_KEYUP));
   EXPECT_EQ(static_cast<DWORD>(msg.lParam) >> 30, 3u) << "release: previous state and transition set";
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take().message, static_cast<UINT>(WM_KEYUP));
   EXPECT_EQ(GetKeyState(VK_SHIFT) & 0xFF00, 0);
   EXPECT_EQ(GetKeyState(VK_RETURN) & 0x8000, 0);
   EXPECT_EQ(GetKeyState(VK_RETURN) & 1, 1) << "one press toggles";
-  EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take().message, 0u);
 }
 
 bool TakeEverything(const SDL_Event&, void*) { return true; }
 
 TEST_F(SdlKeyEvents, AKeyTakenByTheOverlayMakesNoMessageButItsReleaseCounts) {
   PushKey(SDL_KEYDOWN, SDLK_x, SDL_SCANCODE_X);
-  MSG msg;
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take().message, static_cast<UINT>(WM_KEYDOWN));
   EXPECT_LT(GetKeyState('X'), 0);
   win32::SetEventHook(TakeEverything, nullptr);
   PushKey(SDL_KEYDOWN, SDLK_j, SDL_SCANCODE_J);
   PushKey(SDL_KEYUP, SDLK_x, SDL_SCANCODE_X);
-  EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take().message, 0u);
   win32::SetEventHook(nullptr, nullptr);
   EXPECT_EQ(GetKeyState('J') & 0x8000, 0);
   EXPECT_EQ(GetKeyState('X') & 0x8000, 0) << "a release never leaves a key stuck";

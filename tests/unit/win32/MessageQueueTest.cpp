@@ -24,28 +24,24 @@ TEST_F(MessageQueue, PostedMessagesComeInOrderThenQuitThenAFrame) {
   PostMessageA(m_hWnd, WM_USER + 1, 0, 0);
   PostQuitMessage(7);
   PostMessageA(m_hWnd, WM_USER + 2, 0, 0);  // posted after the quit, still taken before it
-
-  MSG msg;
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(msg.message, WM_USER + 1u);
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(msg.message, WM_USER + 2u);
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(msg.message, static_cast<UINT>(WM_QUIT));
-  EXPECT_EQ(msg.wParam, 7u);
+  EXPECT_EQ(Take().message, WM_USER + 1u);
+  EXPECT_EQ(Take().message, WM_USER + 2u);
+  const MSG quit = Take();
+  EXPECT_EQ(quit.message, static_cast<UINT>(WM_QUIT));
+  EXPECT_EQ(quit.wParam, 7u);
   EXPECT_EQ(win32::script::FramesStarted(), 0u) << "no frame may start while messages wait";
-  EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take().message, 0u);
   EXPECT_EQ(win32::script::FramesStarted(), 1u);
 }
 
 TEST_F(MessageQueue, PeekWithoutRemovalLeavesTheMessageAndStartsNoFrame) {
   PostMessageA(nullptr, WM_USER, 1, 2);  // a thread message
-  MSG msg;
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE));
-  ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(Take(PM_NOREMOVE).message, static_cast<UINT>(WM_USER));
+  MSG msg = Take();
+  EXPECT_EQ(msg.message, static_cast<UINT>(WM_USER));
   EXPECT_EQ(msg.hwnd, nullptr);
   EXPECT_EQ(DispatchMessageA(&msg), 0);
-  EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE));
+  EXPECT_EQ(Take(PM_NOREMOVE).message, 0u);
   EXPECT_EQ(win32::script::FramesStarted(), 0u);
 }
 
@@ -55,21 +51,18 @@ TEST_F(MessageQueue, ScriptedEventsArriveBeforeTheirFrame) {
   win32::script::PostAt(2, WM_USER + 5, 11, 22);
   win32::script::KeyUp(2, 'Z');
 
-  std::vector<MSG> before0 = DrainUntilFrame();  // frame 0 starts
-  ASSERT_EQ(before0.size(), 1u);
-  EXPECT_EQ(before0[0].message, static_cast<UINT>(WM_KEYDOWN));
-  EXPECT_EQ(before0[0].wParam, static_cast<WPARAM>('Z'));
-  EXPECT_EQ(before0[0].hwnd, m_hWnd);
+  const std::vector<MSG> before0 = DrainUntilFrame();  // frame 0 starts
+  EXPECT_EQ(MessagesOf(before0), std::vector<UINT>{WM_KEYDOWN});
+  EXPECT_EQ(before0.at(0).wParam, static_cast<WPARAM>('Z'));
+  EXPECT_EQ(before0.at(0).hwnd, m_hWnd);
   EXPECT_LT(GetKeyState('Z'), 0);
 
   EXPECT_TRUE(DrainUntilFrame().empty());  // frame 1: nothing scheduled
   EXPECT_LT(GetKeyState('Z'), 0) << "a key stays held between its events";
 
-  std::vector<MSG> before2 = DrainUntilFrame();
-  ASSERT_EQ(before2.size(), 2u);
-  EXPECT_EQ(before2[0].message, WM_USER + 5u);
-  EXPECT_EQ(before2[0].lParam, 22);
-  EXPECT_EQ(before2[1].message, static_cast<UINT>(WM_KEYUP));
+  const std::vector<MSG> before2 = DrainUntilFrame();
+  EXPECT_EQ(MessagesOf(before2), (std::vector<UINT>{WM_USER + 5, WM_KEYUP}));
+  EXPECT_EQ(before2.at(0).lParam, 22);
   EXPECT_EQ(GetKeyState('Z') & 0x8000, 0);
   EXPECT_EQ(win32::script::FramesStarted(), 3u);
 }
@@ -78,11 +71,10 @@ TEST_F(MessageQueue, HoldKeysReleasesTheOthersAndPressesTheNewOnes) {
   m_hWnd = MakeWindow();
   win32::script::HoldKeys(0, {VK_UP, 'Z'});
   win32::script::HoldKeys(1, {VK_UP, VK_LSHIFT});
-  DrainUntilFrame();
   BYTE keys[256];
+  DrainUntilFrame();
   ASSERT_TRUE(GetKeyboardState(keys));
-  EXPECT_TRUE(keys[VK_UP] & 0x80);
-  EXPECT_TRUE(keys['Z'] & 0x80);
+  EXPECT_TRUE(keys[VK_UP] & keys['Z'] & 0x80);
   DrainUntilFrame();
   ASSERT_TRUE(GetKeyboardState(keys));
   EXPECT_TRUE(keys[VK_UP] & 0x80);
@@ -94,8 +86,7 @@ TEST_F(MessageQueue, HoldKeysReleasesTheOthersAndPressesTheNewOnes) {
 TEST_F(MessageQueue, FixedStepClockAdvancesOncePerFrame) {
   LARGE_INTEGER frequency;
   ASSERT_TRUE(QueryPerformanceFrequency(&frequency));
-  LARGE_INTEGER before;
-  LARGE_INTEGER after;
+  LARGE_INTEGER before, after;
   QueryPerformanceCounter(&before);
   const DWORD msBefore = timeGetTime();
   DrainUntilFrame();
@@ -116,9 +107,7 @@ TEST_F(MessageQueue, FrameLimitAsksForQuit) {
   win32::script::SetFrameCallback([&callbacks](std::uint32_t frame) { EXPECT_EQ(frame, callbacks++); });
   DrainUntilFrame();
   DrainUntilFrame();
-  std::vector<MSG> taken = DrainUntilFrame();
-  ASSERT_EQ(taken.size(), 1u);
-  EXPECT_EQ(taken[0].message, static_cast<UINT>(WM_QUIT));
+  EXPECT_EQ(MessagesOf(DrainUntilFrame()), std::vector<UINT>{WM_QUIT});
   EXPECT_EQ(callbacks, 3u);
   win32::script::SetFrameCallback(nullptr);
 }
@@ -128,18 +117,15 @@ TEST_F(MessageQueue, MouseButtonsAndCursorFollowTheScript) {
   ShowWindow(m_hWnd, SW_SHOW);
   RECT rect;
   GetWindowRect(m_hWnd, &rect);
-  POINT start;
+  POINT start, now;
   GetCursorPos(&start);
   win32::script::MoveCursor(0, 5, -3);
   win32::script::KeyDown(0, VK_LBUTTON);
-  std::vector<MSG> taken = DrainUntilFrame();
-  ASSERT_EQ(taken.size(), 2u);
-  EXPECT_EQ(taken[0].message, static_cast<UINT>(WM_MOUSEMOVE));
-  EXPECT_EQ(taken[1].message, static_cast<UINT>(WM_LBUTTONDOWN));
+  const std::vector<MSG> taken = DrainUntilFrame();
+  ASSERT_EQ(MessagesOf(taken), (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN}));
   EXPECT_EQ(taken[1].wParam & MK_LBUTTON, static_cast<WPARAM>(MK_LBUTTON));
   EXPECT_EQ(GET_X_LPARAM(taken[1].lParam), start.x + 5 - rect.left);
   EXPECT_EQ(GET_Y_LPARAM(taken[1].lParam), start.y - 3 - rect.top);
-  POINT now;
   GetCursorPos(&now);
   EXPECT_EQ(now.x, start.x + 5);
   SetCursorPos(1, 2);

@@ -8,9 +8,9 @@ std::vector<Received>& Log() {
 }
 
 std::vector<UINT> Messages() {
-  std::vector<UINT> messages;
-  for (const Received& received : Log()) messages.push_back(received.message);
-  return messages;
+  std::vector<UINT> numbers;
+  for (const Received& received : Log()) numbers.push_back(received.message);
+  return numbers;
 }
 
 LRESULT CALLBACK RecordingProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -40,6 +40,11 @@ HWND MakeWindow(void* createParam) {
                          1200, 700, nullptr, nullptr, GetModuleHandleA(nullptr), createParam);
 }
 
+MSG Take(UINT remove) {
+  MSG msg{};
+  return PeekMessageA(&msg, nullptr, 0, 0, remove) ? msg : MSG{};
+}
+
 std::vector<MSG> DrainUntilFrame() {
   std::vector<MSG> taken;
   MSG msg;
@@ -48,6 +53,12 @@ std::vector<MSG> DrainUntilFrame() {
     if (msg.message != WM_QUIT) DispatchMessageA(&msg);
   }
   return taken;
+}
+
+std::vector<UINT> MessagesOf(const std::vector<MSG>& messages) {
+  std::vector<UINT> numbers;
+  for (const MSG& msg : messages) numbers.push_back(msg.message);
+  return numbers;
 }
 
 }  // namespace win32test

@@ -29,8 +29,13 @@ void StartScripted(double step = 1.0 / 60.0);
 // A hidden overlapped window of the test class, 1200 x 700.
 HWND MakeWindow(void* createParam = nullptr);
 
+// The next message that PeekMessageA takes; message 0 when the queue is empty.
+MSG Take(UINT remove = PM_REMOVE);
+
 // Runs PeekMessageA until it reports an empty queue, dispatching what it
 // takes; returns the messages taken, WM_QUIT included.
 std::vector<MSG> DrainUntilFrame();
+// The message numbers of `messages`, in order.
+std::vector<UINT> MessagesOf(const std::vector<MSG>& messages);
 
 }  // namespace win32test

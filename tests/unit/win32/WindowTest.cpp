@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "Win32TestSupport.h"
 #include "platform/win32/Win32Backend.h"
@@ -14,18 +14,26 @@ using namespace win32test;
 
 namespace {
 
+using SizeMessages = std::vector<std::pair<WPARAM, LPARAM>>;
+
 class Windows : public ::testing::Test {
  protected:
   void SetUp() override { StartScripted(); }
   void TearDown() override {
     if (IsWindow(m_hWnd)) DestroyWindow(m_hWnd);
   }
-  std::vector<Received> Sizes() const {
-    std::vector<Received> sizes;
-    for (const Received& received : Log()) {
-      if (received.message == WM_SIZE) sizes.push_back(received);
-    }
+  // The WM_SIZE messages received so far: (wParam, lParam).
+  static SizeMessages Sizes() {
+    SizeMessages sizes;
+    for (const Received& received : Log())
+      if (received.message == WM_SIZE) sizes.emplace_back(received.wParam, received.lParam);
     return sizes;
+  }
+  // A window of the test class, shown, with the log cleared.
+  void MakeShownWindow() {
+    m_hWnd = MakeWindow();
+    ShowWindow(m_hWnd, SW_SHOW);
+    Log().clear();
   }
   HWND m_hWnd = nullptr;
 };
@@ -34,8 +42,7 @@ TEST_F(Windows, CreationSendsNcCreateThenCreateWithTheParameter) {
   int owner = 0;
   m_hWnd = MakeWindow(&owner);
   ASSERT_NE(m_hWnd, nullptr);
-  const std::vector<UINT> expected = {WM_NCCREATE, WM_CREATE};
-  EXPECT_EQ(Messages(), expected) << "no WM_SIZE before the window is shown";
+  EXPECT_EQ(Messages(), (std::vector<UINT>{WM_NCCREATE, WM_CREATE})) << "no WM_SIZE before the window is shown";
   EXPECT_EQ(Log()[0].createParam, &owner);
   EXPECT_EQ(Log()[1].createParam, &owner);
   EXPECT_FALSE(IsWindowVisible(m_hWnd));
@@ -46,52 +53,33 @@ TEST_F(Windows, CreationSendsNcCreateThenCreateWithTheParameter) {
 }
 
 TEST_F(Windows, UnknownClassOrRefusedCreationGivesNoWindow) {
-  EXPECT_EQ(CreateWindowExA(0, "no-such-class", "x", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr),
-            nullptr);
+  EXPECT_EQ(CreateWindowExA(0, "no-such-class", "x", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr), nullptr);
   WNDCLASSA refusing = {};
-  refusing.lpfnWndProc = [](HWND, UINT message, WPARAM, LPARAM) -> LRESULT {
-    return message == WM_CREATE ? -1 : TRUE;
-  };
+  refusing.lpfnWndProc = [](HWND, UINT message, WPARAM, LPARAM) -> LRESULT { return message == WM_CREATE ? -1 : TRUE; };
   refusing.lpszClassName = "karvo-refusing";
   RegisterClassA(&refusing);
   EXPECT_EQ(RegisterClassA(&refusing), 0) << "a class name is registered once";
-  EXPECT_EQ(CreateWindowExA(0, "karvo-refusing", "x", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr),
-            nullptr);
+  EXPECT_EQ(CreateWindowExA(0, "karvo-refusing", "x", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr), nullptr);
 }
 
-TEST_F(Windows, FirstShowingSendsTheClientSize) {
+TEST_F(Windows, FirstShowingSendsTheClientSizeOnce) {
   m_hWnd = MakeWindow();
-  Log().clear();
   EXPECT_FALSE(ShowWindow(m_hWnd, SW_SHOW));
-  const std::vector<Received> sizes = Sizes();
-  ASSERT_EQ(sizes.size(), 1u);
-  EXPECT_EQ(sizes[0].wParam, static_cast<WPARAM>(SIZE_RESTORED));
-  EXPECT_EQ(LOWORD(sizes[0].lParam), 1200);
-  EXPECT_EQ(HIWORD(sizes[0].lParam), 700);
-  EXPECT_TRUE(ShowWindow(m_hWnd, SW_SHOW));
-  EXPECT_EQ(Sizes().size(), 1u) << "showing again with the same size tells nothing new";
+  EXPECT_TRUE(ShowWindow(m_hWnd, SW_SHOW));  // the same size again tells nothing new
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(1200, 700)}}));
 }
 
-TEST_F(Windows, SetWindowPosDeliversWmSizeInsideTheCall) {
-  m_hWnd = MakeWindow();
-  ShowWindow(m_hWnd, SW_SHOW);
-  Log().clear();
+TEST_F(Windows, SetWindowPosDeliversWmSizeInsideTheCallOnlyForANewSize) {
+  MakeShownWindow();
   ASSERT_TRUE(SetWindowPos(m_hWnd, HWND_NOTOPMOST, 50, 50, 400, 400, SWP_SHOWWINDOW | SWP_NOACTIVATE));
-  std::vector<Received> sizes = Sizes();  // before any PeekMessageA
-  ASSERT_EQ(sizes.size(), 1u);
-  EXPECT_EQ(sizes[0].lParam, MAKELPARAM(400, 400));
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(400, 400)}}));  // before any PeekMessageA
   RECT rect;
   GetWindowRect(m_hWnd, &rect);
   EXPECT_EQ(rect.left, 50);
   EXPECT_EQ(rect.bottom, 450);
-
-  SetWindowPos(m_hWnd, nullptr, 0, 0, 400, 400, SWP_NOZORDER);
-  EXPECT_EQ(Sizes().size(), 1u) << "a move without a new size sends no WM_SIZE";
+  SetWindowPos(m_hWnd, nullptr, 0, 0, 400, 400, SWP_NOZORDER);  // a move alone
   SetWindowPos(m_hWnd, nullptr, 0, 0, 1280, 800, SWP_NOZORDER);
-  sizes = Sizes();
-  ASSERT_EQ(sizes.size(), 2u);
-  EXPECT_EQ(LOWORD(sizes[1].lParam), 1280);
-  EXPECT_EQ(HIWORD(sizes[1].lParam), 800);
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(400, 400)}, {SIZE_RESTORED, MAKELPARAM(1280, 800)}}));
 }
 
 TEST_F(Windows, TheMenuBarTakesItsShareOfTheClientArea) {
@@ -101,7 +89,6 @@ TEST_F(Windows, TheMenuBarTakesItsShareOfTheClientArea) {
   ASSERT_TRUE(win32::RegisterMenuResource(900, kMenu, 3));
   m_hWnd = MakeWindow();
   HMENU menu = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(900));
-  ASSERT_NE(menu, nullptr);
   ASSERT_TRUE(SetMenu(m_hWnd, menu));
   EXPECT_TRUE(Sizes().empty()) << "a window never shown is not told its size";
   ShowWindow(m_hWnd, SW_SHOW);
@@ -110,38 +97,28 @@ TEST_F(Windows, TheMenuBarTakesItsShareOfTheClientArea) {
   RECT client;
   GetClientRect(m_hWnd, &client);
   EXPECT_EQ(client.bottom, 700 - bar);
-  ASSERT_EQ(Sizes().size(), 1u);
-  EXPECT_EQ(HIWORD(Sizes()[0].lParam), 700 - bar);
-
   SetMenu(m_hWnd, nullptr);  // the way to full screen takes the menu off
-  ASSERT_EQ(Sizes().size(), 2u);
-  EXPECT_EQ(HIWORD(Sizes()[1].lParam), 700);
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(1200, 700 - bar)},  //
+                                    {SIZE_RESTORED, MAKELPARAM(1200, 700)}}));
   EXPECT_EQ(win32::MenuBarHeight(m_hWnd), 0);
   DestroyMenu(menu);
 }
 
 TEST_F(Windows, MinimiseAndRestore) {
-  m_hWnd = MakeWindow();
-  ShowWindow(m_hWnd, SW_SHOW);
-  Log().clear();
+  MakeShownWindow();
   ShowWindow(m_hWnd, SW_MINIMIZE);
   EXPECT_TRUE(IsIconic(m_hWnd));
   EXPECT_TRUE(win32::IsMinimized(m_hWnd));
   ShowWindow(m_hWnd, SW_RESTORE);
-  const std::vector<Received> sizes = Sizes();
-  ASSERT_EQ(sizes.size(), 2u);
-  EXPECT_EQ(sizes[0].wParam, static_cast<WPARAM>(SIZE_MINIMIZED));
-  EXPECT_EQ(sizes[1].wParam, static_cast<WPARAM>(SIZE_RESTORED));
-  EXPECT_EQ(sizes[1].lParam, MAKELPARAM(1200, 700));
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_MINIMIZED, 0}, {SIZE_RESTORED, MAKELPARAM(1200, 700)}}));
 }
 
 TEST_F(Windows, TitleReadsBackAndIsCutToTheBuffer) {
   m_hWnd = MakeWindow();
   ASSERT_TRUE(SetWindowTextA(m_hWnd, "Karvo Terrain :: Marnovets P.D."));
-  char title[64];
+  char title[64], shortTitle[6];
   EXPECT_EQ(GetWindowTextA(m_hWnd, title, sizeof title), 31);
   EXPECT_STREQ(title, "Karvo Terrain :: Marnovets P.D.");
-  char shortTitle[6];
   EXPECT_EQ(GetWindowTextA(m_hWnd, shortTitle, sizeof shortTitle), 5);
   EXPECT_STREQ(shortTitle, "Karvo");
   EXPECT_EQ(GetWindowTextA(nullptr, title, sizeof title), 0);
