@@ -69,6 +69,8 @@ bool PlainGLQuads::Init(const std::vector<QuadVertex>& vertices, int width, int 
   glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(indices.size() * 4), indices.data(),
                GL_STATIC_DRAW);
   glBindBuffer(GL_ARRAY_BUFFER, vbo_);
+  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(vertices.size() * sizeof(QuadVertex)), nullptr,
+               GL_STREAM_DRAW);
   const GLsizei stride = sizeof(QuadVertex);
   glEnableVertexAttribArray(0);
   glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride,
@@ -102,7 +104,6 @@ void PlainGLQuads::Draw() {
   glDisable(GL_CULL_FACE);
   std::size_t bytes = vertices_->size() * sizeof(QuadVertex);
   glBindBuffer(GL_ARRAY_BUFFER, vbo_);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(bytes), nullptr, GL_STREAM_DRAW);
   glBufferSubData(GL_ARRAY_BUFFER, 0, GLsizeiptr(bytes), vertices_->data());
   glDrawElements(GL_TRIANGLES, GLsizei(vertices_->size() / 4 * 6), GL_UNSIGNED_INT, nullptr);
   Restore(saved);
