@@ -99,7 +99,9 @@ class GLDevice final : public IDirect3DDevice9 {
     bool valid = false;
   };
   static Layout LayoutOf(DWORD fvf);
-  bool PrepareDraw(bool slotted, bool stage0HasTexture);
+  // Program, fixed state, viewport, samplers and textures for a draw whose
+  // stage-0 textures are `stage0[0..stage0Count)` (unit i holds the i-th).
+  bool PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count);
   void BindVertexLayout(GLuint buffer, const Layout& layout, UINT stride, std::size_t offset, bool slotted);
   void ApplyFixedState();
   void ApplySampler(int stage, GLuint unitFirst, GLuint unitCount);
@@ -167,8 +169,7 @@ class GLDevice final : public IDirect3DDevice9 {
     std::vector<std::uint8_t> slots;
     std::vector<std::uint32_t> indices;
     IDirect3DBaseTexture9* textures[kBatchTextures] = {};
-    int textureCount = 0;
-    bool stage0HasTexture = false;
+    int textureCount = 0;  // none: stage 0 has no texture for these draws
   } batch_;
 
   FrameStats stats_;

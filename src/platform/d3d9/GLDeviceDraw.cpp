@@ -196,15 +196,15 @@ void GLDevice::ApplyFixedState() {
   fixedDirty_ = false;
 }
 
-bool GLDevice::PrepareDraw(bool slotted, bool stage0HasTexture) {
+bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count) {
   StageState stages[kShaderStages];
   for (int i = 0; i < kShaderStages; ++i) {
     const DWORD* t = tss_[i];
     stages[i] = StageState{t[D3DTSS_COLOROP],   t[D3DTSS_COLORARG1], t[D3DTSS_COLORARG2],     t[D3DTSS_ALPHAOP],
                            t[D3DTSS_ALPHAARG1], t[D3DTSS_ALPHAARG2], t[D3DTSS_TEXCOORDINDEX], textures_[i] != nullptr};
   }
-  stages[0].hasTexture = stage0HasTexture;
-  ShaderKey key = MakeShaderKey(stages, fvf_, slotted, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT);
+  stages[0].hasTexture = stage0Count > 0;
+  ShaderKey key = MakeShaderKey(stages, fvf_, stage0Count, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT);
   ShaderProgram* prog = shaders_.Get(key);
   if (prog == nullptr) return false;
   if (currentProgram_ != prog->program) {
@@ -233,8 +233,9 @@ bool GLDevice::PrepareDraw(bool slotted, bool stage0HasTexture) {
     viewportDirty_ = false;
   }
   if (key.stages[0].hasTexture) {
-    ApplySampler(0, 0, key.slotted ? kBatchTextures : 1);
-    if (!key.slotted) BindTexture(0, static_cast<GLTexture*>(textures_[0])->name());
+    GLuint units = key.slots > 1 ? key.slots : 1;
+    ApplySampler(0, 0, units);
+    for (GLuint i = 0; i < units; ++i) BindTexture(i, static_cast<GLTexture*>(stage0[i])->name());
   }
   if (key.stages[1].hasTexture) {
     ApplySampler(1, kStage1Unit, 1);
@@ -287,8 +288,7 @@ void GLDevice::FlushBatch() {
   if (batch_.vertexCount == 0) return;
   Batch& b = batch_;
   Layout layout = LayoutOf(b.fvf);
-  if (core_->MakeCurrent() && PrepareDraw(true, b.stage0HasTexture)) {
-    for (int i = 0; i < b.textureCount; ++i) BindTexture(GLuint(i), static_cast<GLTexture*>(b.textures[i])->name());
+  if (core_->MakeCurrent() && PrepareDraw(b.textures, b.textureCount)) {
     std::size_t vOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.vertices.data(),
                                    b.vertices.size(), 16);
     std::size_t sOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.slots.data(),
@@ -314,7 +314,7 @@ void GLDevice::FlushBatch() {
 
 void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
   Layout layout = LayoutOf(fvf_);
-  if (!PrepareDraw(false, textures_[0] != nullptr)) return;
+  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return;
   UINT n = VerticesFor(type, primCount);
   std::size_t off = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, data,
                                 std::size_t(n) * stride, 16);
@@ -360,7 +360,6 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
   if (b.vertexCount == 0) {
     b.fvf = fvf_;
     b.stride = stride;
-    b.stage0HasTexture = tex != nullptr;
   }
   const auto* bytes = static_cast<const std::uint8_t*>(data);
   b.vertices.insert(b.vertices.end(), bytes, bytes + std::size_t(n) * stride);
@@ -413,7 +412,7 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
   if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices) return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   FlushBatch();
-  if (!PrepareDraw(false, textures_[0] != nullptr)) return D3D_OK;
+  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return D3D_OK;
   BindVertexLayout(stream_->name(), layout, streamStride_, streamOffset_, false);
   if (currentElementBuffer_ != indices_->name()) {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_->name());

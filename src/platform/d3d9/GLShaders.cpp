@@ -79,12 +79,12 @@ std::uint64_t ShaderKey::Pack() const {
   }
   k = (k << 1) | pretransformed;
   k = (k << 2) | (texCoordSets & 3);
-  k = (k << 1) | slotted;
+  k = (k << 4) | (slots & 15);
   k = (k << 1) | flat;
   return k;
 }
 
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, bool slotted, bool flat) {
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat) {
   ShaderKey key;
   key.pretransformed = (fvf & D3DFVF_POSITION_MASK) == D3DFVF_XYZRHW;
   DWORD sets = (fvf & D3DFVF_TEXCOUNT_MASK) >> D3DFVF_TEXCOUNT_SHIFT;
@@ -110,7 +110,7 @@ ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, bo
                         k.alphaArg1 == D3DTA_TEXTURE || k.alphaArg2 == D3DTA_TEXTURE;
     k.hasTexture = readsTexture && s.hasTexture;
     k.texCoord = std::uint8_t(s.texCoordIndex & 7);
-    if (i == 0) key.slotted = slotted && k.hasTexture;
+    if (i == 0 && k.hasTexture && stage0Textures > 1) key.slots = std::uint8_t(stage0Textures);
   }
   return key;
 }
@@ -153,7 +153,7 @@ std::string FragmentShaderSource(const ShaderKey& key) {
   s += key.flat ? "flat in vec4 v_color;\n" : "in vec4 v_color;\n";
   s += "in vec2 v_tex0;\nin vec2 v_tex1;\nflat in uint v_slot;\nout vec4 o_color;\n";
   if (key.stages[0].hasTexture) {
-    int n = key.slotted ? kBatchTextures : 1;
+    int n = key.slots > 1 ? key.slots : 1;
     for (int i = 0; i < n; ++i) s += "uniform sampler2D u_stage0_" + std::to_string(i) + ";\n";
   }
   if (key.stages[1].hasTexture) s += "uniform sampler2D u_stage1;\n";
@@ -166,11 +166,11 @@ std::string FragmentShaderSource(const ShaderKey& key) {
     std::string uv = k.texCoord < key.texCoordSets ? "v_tex" + std::to_string(k.texCoord) : "vec2(0.0)";
     s += "  {\n    vec4 " + t + " = vec4(1.0);\n";
     if (k.hasTexture) {
-      if (i == 0 && key.slotted) {
+      if (i == 0 && key.slots > 1) {
         // Derivatives outside the branch keep mip selection defined.
         s += "    vec2 uv = " + uv + ";\n    vec2 dx = dFdx(uv), dy = dFdy(uv);\n";
-        for (int j = 0; j < kBatchTextures; ++j) {
-          s += std::string(j ? "    else " : "    ") + (j + 1 < kBatchTextures ? "if (v_slot == " + std::to_string(j) + "u) " : "");
+        for (int j = 0; j < key.slots; ++j) {
+          s += std::string(j ? "    else " : "    ") + (j + 1 < key.slots ? "if (v_slot == " + std::to_string(j) + "u) " : "");
           s += t + " = textureGrad(u_stage0_" + std::to_string(j) + ", uv, dx, dy);\n";
         }
       } else {

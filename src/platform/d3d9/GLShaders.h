@@ -41,7 +41,11 @@ struct ShaderKey {
   StageKey stages[kShaderStages];
   std::uint8_t pretransformed = 0;  // D3DFVF_XYZRHW
   std::uint8_t texCoordSets = 0;    // sets in the vertex, 0 to 2 used
-  std::uint8_t slotted = 0;         // stage-0 texture chosen per vertex (merged draws)
+  // Stage-0 textures a merged draw chooses from per vertex, 2 to
+  // kBatchTextures; 0 when the draw has one. The fragment shader tests the
+  // vertex's slot against each of them in turn, and a software rasteriser pays
+  // for every test on every pixel, so the chain is only as long as needed.
+  std::uint8_t slots = 0;
   std::uint8_t flat = 0;            // D3DSHADE_FLAT
 
   std::uint64_t Pack() const;
@@ -54,7 +58,9 @@ struct StageState {
 };
 // Applies the stage rules: a DISABLE colour op, or a colour argument of
 // D3DTA_TEXTURE on a stage without texture, ends processing at that stage.
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, bool slotted, bool flat);
+// `stage0Textures` is the number of stage-0 textures the draw uses (0 or 1 for
+// a plain draw, up to kBatchTextures for a merged one).
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat);
 
 // The GLSL text of a key (for tests and for the cache).
 std::string VertexShaderSource(const ShaderKey& key);
