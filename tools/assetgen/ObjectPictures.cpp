@@ -21,7 +21,10 @@ constexpr float kBillboardStretch = 1.2f;
 // Per-pixel jitter for leaves, needles and the like: a cheap hash, no state.
 float Speckle(float x, float y, uint32_t salt)
 {
-    uint32_t h = static_cast<uint32_t>(static_cast<int>(x) * 73856093) ^ static_cast<uint32_t>(static_cast<int>(y) * 19349663) ^ salt;
+    // Multiplied as unsigned: the same bits as the wrapping product, without
+    // the signed overflow.
+    uint32_t h = static_cast<uint32_t>(static_cast<int>(x)) * 73856093u ^
+                 static_cast<uint32_t>(static_cast<int>(y)) * 19349663u ^ salt;
     h ^= h >> 13;
     h *= 0x5bd1e995u;
     h ^= h >> 15;
