@@ -72,12 +72,9 @@ class Frustum : public ::testing::Test {
   CCam1stPerson camera{nullptr};
 };
 
-TEST_F(Frustum, BoxAroundCameraPassesBoxBehindFails) {
-  EXPECT_TRUE(Box(-1, -1, -1, 1, 1, 1));
-  EXPECT_FALSE(Box(-5, -5, -20, 5, 5, -2));
-}
-
 TEST_F(Frustum, EachPlaneRejectsOnlyWhatLiesWhollyBeyondIt) {
+  EXPECT_TRUE(Box(-1, -1, -1, 1, 1, 1));  // around the camera
+  EXPECT_FALSE(Box(-5, -5, -20, 5, 5, -2));  // behind it
   // left, right, bottom, top: a box reaching 0.5 across passes, one 0.5 short fails
   EXPECT_TRUE(Box(-12, -1, 10, -9.5f, 1, 10));
   EXPECT_FALSE(Box(-12, -1, 10, -10.5f, 1, 10));
@@ -90,14 +87,9 @@ TEST_F(Frustum, EachPlaneRejectsOnlyWhatLiesWhollyBeyondIt) {
   // far plane at 100 x the far clip of 100
   EXPECT_TRUE(Box(-1, -1, 9990, 1, 1, 10100));
   EXPECT_FALSE(Box(-1, -1, 10010, 1, 1, 10100));
-}
-
-TEST_F(Frustum, CornerAtExactlyZeroDistanceIsInside) {
-  EXPECT_TRUE(Box(-0.1f, -0.1f, 0.5f, 0.1f, 0.1f, 1.0f));  // touches the near plane z = 1
+  // A corner at exactly zero distance, on the near plane z = 1, is inside.
+  EXPECT_TRUE(Box(-0.1f, -0.1f, 0.5f, 0.1f, 0.1f, 1.0f));
   EXPECT_FALSE(Box(-0.1f, -0.1f, 0.5f, 0.1f, 0.1f, 0.999f));
-}
-
-TEST_F(Frustum, LargeBoxBeyondACornerPasses) {
   // Outside the left and the top plane in part, wholly outside neither.
   EXPECT_TRUE(Box(-30, 9, 10, -9, 30, 20));
 }
