@@ -20,18 +20,8 @@ namespace {
 const char* kTone = "fixtures\\tone440.mp3";  // 0.4 s, 22050 Hz mono, as the program writes paths
 const char* kToneStereo = "fixtures/tone1000.mp3";  // 0.4 s, 44100 Hz stereo
 
-void Sleep(double seconds) {
-  std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-}
-
-void WriteFile(const char* path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string ReadFile(const char* path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
+void Sleep(double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }
+void WriteFile(const char* path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // Seconds until the channel stops, polled; -1 when it still plays after `limit`.
 double SecondsUntilStopped(HCHANNEL channel, double limit) {
@@ -79,42 +69,34 @@ TEST(BassLibrary, EveryCallFailsUntilInitAndAfterFree) {
 }
 
 TEST_F(BassDummy, LoadFailsCleanlyOnEveryBadSource) {
-  WriteFile("text.mp3", "this is not a sound\n");
-  WriteFile("empty.mp3", "");
   std::string garbage("ID3\x04\x00\x00\x00\x00\x00\x00", 10);
   for (int i = 0; i < 4000; ++i) garbage += char(i * 7919 % 251);
+  WriteFile("text.mp3", "this is not a sound\n");
+  WriteFile("empty.mp3", "");
   WriteFile("garbage.mp3", garbage);
-
-  EXPECT_EQ(BASS_SampleLoad(FALSE, "fixtures\\missing.mp3", 0, 0, 1, 0), 0u);
-  EXPECT_EQ(BASS_SampleLoad(FALSE, "text.mp3", 0, 0, 1, 0), 0u);
-  EXPECT_EQ(BASS_SampleLoad(FALSE, "empty.mp3", 0, 0, 1, 0), 0u);
-  EXPECT_EQ(BASS_SampleLoad(FALSE, "garbage.mp3", 0, 0, 1, 0), 0u);
+  for (const char* bad : {"fixtures\\missing.mp3", "text.mp3", "empty.mp3", "garbage.mp3"})
+    EXPECT_EQ(BASS_SampleLoad(FALSE, bad, 0, 0, 1, 0), 0u) << bad;
   EXPECT_EQ(BASS_SampleLoad(FALSE, nullptr, 0, 0, 1, 0), 0u);
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 0, 0), 0u) << "max 0";
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 70000, 0), 0u) << "max above 65535";
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 1u << 30, 0, 1, 0), 0u) << "offset past the end";
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 1u << 30, 1, 0), 0u) << "length past the end";
 
-  std::string bytes = ReadFile("fixtures/tone440.mp3");
+  std::ifstream in("fixtures/tone440.mp3", std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   ASSERT_FALSE(bytes.empty());
   EXPECT_EQ(BASS_SampleLoad(TRUE, bytes.data(), 0, 0, 1, 0), 0u) << "memory without a length";
   EXPECT_NE(BASS_SampleLoad(TRUE, bytes.data(), 0, DWORD(bytes.size()), 1, 0), 0u);
-  std::string padded = "junk" + bytes;
-  WriteFile("padded.mp3", padded);
+  WriteFile("padded.mp3", "junk" + bytes);
   EXPECT_NE(BASS_SampleLoad(FALSE, "padded.mp3", 4, 0, 1, 0), 0u) << "a file from an offset";
   EXPECT_NE(BASS_SampleLoad(FALSE, kToneStereo, 0, 0, 1, 0), 0u);
 }
 
 TEST_F(BassDummy, HandlesAreDistinctAndStaleOnesFail) {
-  HSAMPLE a = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-  HSAMPLE b = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-  ASSERT_NE(a, 0u);
-  ASSERT_NE(b, 0u);
-  EXPECT_NE(a, b);
-  HCHANNEL ca = BASS_SampleGetChannel(a, FALSE);
-  HCHANNEL cb = BASS_SampleGetChannel(b, FALSE);
-  ASSERT_NE(ca, 0u);
-  EXPECT_NE(ca, cb);
+  const HSAMPLE a = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), b = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
+  ASSERT_TRUE(a != 0 && b != 0 && a != b);
+  const HCHANNEL ca = BASS_SampleGetChannel(a, FALSE), cb = BASS_SampleGetChannel(b, FALSE);
+  ASSERT_TRUE(ca != 0 && ca != cb);
   EXPECT_EQ(BASS_SampleGetChannel(a, FALSE), ca) << "an idle channel is handed out again";
 
   // Sample and channel handles are not interchangeable, and 0 is nothing.
@@ -131,10 +113,9 @@ TEST_F(BassDummy, HandlesAreDistinctAndStaleOnesFail) {
   EXPECT_EQ(BASS_ChannelIsActive(ca), DWORD(BASS_ACTIVE_STOPPED));
 
   // A new sample may reuse the freed mixer channel but never the old handles.
-  HSAMPLE c = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-  HCHANNEL cc = BASS_SampleGetChannel(c, FALSE);
-  EXPECT_NE(c, a);
-  EXPECT_NE(cc, ca);
+  const HSAMPLE c = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
+  const HCHANNEL cc = BASS_SampleGetChannel(c, FALSE);
+  EXPECT_TRUE(c != a && cc != ca);
   EXPECT_TRUE(BASS_ChannelPlay(cc, FALSE));
   EXPECT_TRUE(BASS_ChannelPlay(cb, FALSE));
   EXPECT_EQ(BASS_ChannelIsActive(cc), DWORD(BASS_ACTIVE_PLAYING));
@@ -181,8 +162,7 @@ TEST_F(BassDummy, MaxLimitsSimultaneousPlaybacks) {
   HCHANNEL first = BASS_SampleGetChannel(sample, FALSE);
   ASSERT_TRUE(BASS_ChannelPlay(first, FALSE));
   HCHANNEL second = BASS_SampleGetChannel(sample, FALSE);
-  ASSERT_NE(second, 0u);
-  EXPECT_NE(second, first) << "the first one is busy";
+  ASSERT_TRUE(second != 0 && second != first) << "the first one is busy";
   ASSERT_TRUE(BASS_ChannelPlay(second, FALSE));
   EXPECT_EQ(BASS_SampleGetChannel(sample, FALSE), 0u) << "both playbacks are busy";
   EXPECT_EQ(BASS_ChannelIsActive(first), DWORD(BASS_ACTIVE_PLAYING));
@@ -212,16 +192,13 @@ TEST(BassOutput, APlayedToneReachesTheMixAtItsOwnPitch) {
   // Leading silence, then each tone: loud for about its length, at its pitch,
   // whatever its own rate and channel count were.
   EXPECT_LT(track.Rms(0.0, 0.2), 50.0);
-  double loud = track.LoudSeconds(2000.0);
-  EXPECT_GT(loud, 0.6);
-  EXPECT_LT(loud, 1.1);
+  const double loud = track.LoudSeconds(2000.0);
+  EXPECT_TRUE(loud > 0.6 && loud < 1.1) << loud << " s loud";
   std::vector<double> loudStarts;
   for (double t = 0.0; t + 0.05 <= track.Seconds(); t += 0.05)
     if (track.Rms(t, t + 0.05) > 2000.0 && (loudStarts.empty() || t - loudStarts.back() > 0.5))
       loudStarts.push_back(t);
   ASSERT_EQ(loudStarts.size(), 2u);
-  double lowPitch = track.CrossingsPerSecond(loudStarts[0] + 0.1, loudStarts[0] + 0.3) / 2;
-  double highPitch = track.CrossingsPerSecond(loudStarts[1] + 0.1, loudStarts[1] + 0.3) / 2;
-  EXPECT_NEAR(lowPitch, 440.0, 20.0);
-  EXPECT_NEAR(highPitch, 1000.0, 40.0);
+  EXPECT_NEAR(track.CrossingsPerSecond(loudStarts[0] + 0.1, loudStarts[0] + 0.3) / 2, 440.0, 20.0);
+  EXPECT_NEAR(track.CrossingsPerSecond(loudStarts[1] + 0.1, loudStarts[1] + 0.3) / 2, 1000.0, 40.0);
 }
