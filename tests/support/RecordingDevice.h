@@ -221,36 +221,29 @@ class RecordingDevice : public IDirect3DDevice9 {
   // ---- current state ---------------------------------------------------------------
   ULONG RefCount() const { return refs_; }
   int LiveResources() const { return log_->liveResources; }
-  DWORD RenderState(D3DRENDERSTATETYPE s) const {
-    auto it = renderStates_.find(s);
-    return it != renderStates_.end() ? it->second : 0;
-  }
+  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), DWORD(0)); }
+  // Unset sampler states read WRAP, POINT, mip NONE and anisotropy 1.
   DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const {
-    auto it = samplerStates_.find({sampler, t});
-    if (it != samplerStates_.end()) return it->second;
-    return t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : 1;  // WRAP, POINT and anisotropy 1 are all 1
+    return Lookup(samplerStates_, {sampler, t}, t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : DWORD(1));
   }
   DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const {
-    auto it = stageStates_.find({stage, t});
-    if (it != stageStates_.end()) return it->second;
+    DWORD fallback = 0;
     switch (t) {
-      case D3DTSS_COLOROP: return stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE;
-      case D3DTSS_ALPHAOP: return stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE;
+      case D3DTSS_COLOROP: fallback = stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE; break;
+      case D3DTSS_ALPHAOP: fallback = stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE; break;
       case D3DTSS_COLORARG1:
-      case D3DTSS_ALPHAARG1: return D3DTA_TEXTURE;
+      case D3DTSS_ALPHAARG1: fallback = D3DTA_TEXTURE; break;
       case D3DTSS_COLORARG2:
-      case D3DTSS_ALPHAARG2: return D3DTA_CURRENT;
-      case D3DTSS_TEXCOORDINDEX: return stage;
+      case D3DTSS_ALPHAARG2: fallback = D3DTA_CURRENT; break;
+      case D3DTSS_TEXCOORDINDEX: fallback = stage; break;
     }
-    return 0;
+    return Lookup(stageStates_, {stage, t}, fallback);
   }
   // The last matrix set for `t`; identity when none was.
   D3DMATRIX Transform(D3DTRANSFORMSTATETYPE t) const {
-    auto it = transforms_.find(DWORD(t));
-    if (it != transforms_.end()) return it->second;
-    D3DMATRIX m{};
-    m._11 = m._22 = m._33 = m._44 = 1.0f;
-    return m;
+    D3DMATRIX identity{};
+    identity._11 = identity._22 = identity._33 = identity._44 = 1.0f;
+    return Lookup(transforms_, DWORD(t), identity);
   }
   const D3DPRESENT_PARAMETERS& LastResetParameters() const { return lastReset_; }
 
@@ -381,6 +374,12 @@ class RecordingDevice : public IDirect3DDevice9 {
     if (createsBeforeFailure > 0) --createsBeforeFailure;
     *out = make();
     return D3D_OK;
+  }
+  template <class Map>
+  static typename Map::mapped_type Lookup(const Map& map, const typename Map::key_type& key,
+                                          typename Map::mapped_type fallback) {
+    auto it = map.find(key);
+    return it != map.end() ? it->second : fallback;
   }
   // A bound resource holds one reference.
   template <class T>
