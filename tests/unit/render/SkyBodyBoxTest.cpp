@@ -81,7 +81,8 @@ TEST_F(Boxes, SkyBoxFacesLookIntoTheCube) {
     // The strip's two triangles (0 1 3) and (1 3 2, drawn as 3 1 2) must be
     // clockwise seen from the centre: the culling of the base state keeps them.
     const std::uint16_t* strip = indices + face * 4;
-    EXPECT_EQ(std::vector<int>(strip, strip + 4), (std::vector<int>{face * 4, face * 4 + 1, face * 4 + 3, face * 4 + 2}));
+    const int first = face * 4;
+    EXPECT_EQ(std::vector<int>(strip, strip + 4), (std::vector<int>{first, first + 1, first + 3, first + 2}));
     D3DXVECTOR3 corner[3], normal;
     for (int k = 0; k < 3; ++k) corner[k] = {vertices[strip[k]].m_x, vertices[strip[k]].m_y, vertices[strip[k]].m_z};
     const D3DXVECTOR3 ab = corner[1] - corner[0], ac = corner[2] - corner[0];
