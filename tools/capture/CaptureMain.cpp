@@ -4,7 +4,8 @@
 // it reads the back buffer and writes it as a PNG file.
 //
 // The program reads its assets from the working directory, so the tool runs
-// inside the assets folder (or is given --assets). Without a display it
+// inside the assets folder (or is given --assets and starts itself again
+// there). Without a display it
 // starts itself again under xvfb-run; without a sound card it uses SDL's
 // dummy audio driver.
 #include <unistd.h>
@@ -46,6 +47,34 @@ void ReExecUnderXvfb(int argc, char** argv) {
   args.push_back(nullptr);
   execvp("xvfb-run", args.data());
   std::fprintf(stderr, "karvo-capture: no display, and xvfb-run could not be started\n");
+}
+
+// The sounds load while g_App is constructed, before main runs, from the
+// working directory of the process. Given --assets, the tool therefore enters
+// the folder and starts itself again there, without --assets and with the
+// output folder made absolute. Returns only when the new start failed.
+void RestartInside(const std::filesystem::path& assets, const std::filesystem::path& outDir, int argc, char** argv) {
+  std::error_code error;
+  std::filesystem::current_path(assets, error);
+  if (error) {
+    std::fprintf(stderr, "karvo-capture: cannot enter %s\n", assets.c_str());
+    return;
+  }
+  std::vector<std::string> kept;
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    if ((arg == "--assets" || arg == "--out") && i + 1 < argc) {
+      ++i;
+      continue;
+    }
+    kept.push_back(arg);
+  }
+  kept.insert(kept.end(), {"--out", outDir.string()});
+  std::vector<char*> args = {const_cast<char*>("karvo-capture")};
+  for (std::string& arg : kept) args.push_back(arg.data());
+  args.push_back(nullptr);
+  execv("/proc/self/exe", args.data());
+  std::fprintf(stderr, "karvo-capture: cannot start again in %s\n", assets.c_str());
 }
 
 struct CaptureRun {
@@ -137,11 +166,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   if (!options.assetsDir.empty()) {
-    std::filesystem::current_path(options.assetsDir, fsError);
-    if (fsError) {
-      std::fprintf(stderr, "karvo-capture: cannot enter %s\n", options.assetsDir.c_str());
-      return 2;
-    }
+    RestartInside(options.assetsDir, outDir, argc, argv);
+    return 2;
   }
   if (!std::filesystem::exists("Data/HeightMap.raw")) {
     std::fprintf(stderr, "karvo-capture: no Data/HeightMap.raw here; run inside the assets folder or give --assets\n");
