@@ -245,14 +245,8 @@ TEST(Audio, WalkingBringsStepsOverAndOverWhileAMissingBreathingFileStaysSilent) 
   }
 }
 
-TEST(Audio, WithoutMusicOrWithoutBassTheProgramEndsWithCode1AfterStartup) {
-  // The program itself, with no script: without the music it ends straight
-  // after the start, with no message. A hang would be ended by the timeout.
-  const ProgramRun noMusic = RunProgram(AssetVariant("no-music", {{kMusic, Change::Missing}}),
-                                        "no-music", "timeout", "60 " KARVO_TERRAIN);
-  EXPECT_EQ(noMusic.exitCode, 1) << noMusic.errors;
-  EXPECT_EQ(noMusic.errors.find("Error"), std::string::npos) << noMusic.errors;
-
+TEST(Audio, WithoutBassTheProgramEndsWithCode1BeforeAnyFrame) {
+  // (The missing music file's exit code is the program tests' concern.)
   // BASS cannot start: its box, then every load fails, the music too. No
   // frame runs.
   const ProgramRun noBass = RunProgram(fs::current_path(), "no-bass", "env",
