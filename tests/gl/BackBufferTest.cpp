@@ -1,7 +1,6 @@
 // The back buffer as a whole: multisampling that smooths edges and still
 // reads back, and Reset (plain, after a lost device, to another sample count)
 // that keeps managed textures, vertex and index buffers usable.
-#include <cstring>
 
 #include "GLFixture.h"
 
@@ -50,26 +49,13 @@ TEST_F(BackBufferTest, MultisamplingSmoothsEdgesAndReadsBackResolved) {
 
 TEST_F(BackBufferTest, ResetKeepsManagedTexturesAndBuffers) {
   IDirect3DTexture9* texture = MakeTexture(2, 2, {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFFFFFFFF});
-  IDirect3DVertexBuffer9* vb = nullptr;
-  IDirect3DIndexBuffer9* ib = nullptr;
-  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED,
-                                        &vb, nullptr),
-            D3D_OK);
-  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
-                                       nullptr),
-            D3D_OK);
   const ScreenVertex quad[4] = {{8, 8, 0.5f, 1, 0xFFFFFFFF, 0, 0, 0, 0},
                                 {40, 8, 0.5f, 1, 0xFFFFFFFF, 1, 0, 0, 0},
                                 {40, 40, 0.5f, 1, 0xFFFFFFFF, 1, 1, 0, 0},
                                 {8, 40, 0.5f, 1, 0xFFFFFFFF, 0, 1, 0, 0}};
-  const WORD indices[6] = {0, 1, 2, 0, 2, 3};
-  void* bytes = nullptr;
-  ASSERT_EQ(vb->Lock(0, 0, &bytes, 0), D3D_OK);
-  std::memcpy(bytes, quad, sizeof quad);
-  vb->Unlock();
-  ASSERT_EQ(ib->Lock(0, 0, &bytes, 0), D3D_OK);
-  std::memcpy(bytes, indices, sizeof indices);
-  ib->Unlock();
+  IDirect3DVertexBuffer9* vb = nullptr;
+  IDirect3DIndexBuffer9* ib = nullptr;
+  ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers(quad, vb, ib));
 
   // Reset unbinds everything and restores the default states: bind again.
   auto drawAndProbe = [&] {

@@ -106,6 +106,23 @@ IDirect3DTexture9* DeviceTest::MakeTexture(UINT width, UINT height,
   return texture;
 }
 
+void DeviceTest::MakeQuadBuffers(const ScreenVertex (&quad)[4], IDirect3DVertexBuffer9*& vb,
+                                 IDirect3DIndexBuffer9*& ib) {
+  ASSERT_EQ(device_->CreateVertexBuffer(sizeof quad, 0, kScreenFVF, D3DPOOL_MANAGED, &vb, nullptr),
+            D3D_OK);
+  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
+                                       nullptr),
+            D3D_OK);
+  const WORD indices[6] = {0, 1, 2, 0, 2, 3};
+  void* bytes = nullptr;
+  ASSERT_EQ(vb->Lock(0, 0, &bytes, 0), D3D_OK);
+  std::memcpy(bytes, quad, sizeof quad);
+  vb->Unlock();
+  ASSERT_EQ(ib->Lock(0, 0, &bytes, 0), D3D_OK);
+  std::memcpy(bytes, indices, sizeof indices);
+  ib->Unlock();
+}
+
 void DeviceTest::FillLevel(IDirect3DTexture9* texture, UINT level, D3DCOLOR color) {
   D3DSURFACE_DESC desc{};
   ASSERT_EQ(texture->GetLevelDesc(level, &desc), D3D_OK);

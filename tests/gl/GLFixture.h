@@ -64,6 +64,10 @@ class DeviceTest : public ::testing::Test {
   IDirect3DTexture9* MakeTexture(UINT width, UINT height, const std::vector<D3DCOLOR>& texels,
                                  UINT levels = 1, D3DPOOL pool = D3DPOOL_MANAGED,
                                  D3DFORMAT format = D3DFMT_A8R8G8B8);
+  // Managed buffers holding `quad` and the indices of its two triangles
+  // (0 1 2, 0 2 3); the caller releases them.
+  void MakeQuadBuffers(const ScreenVertex (&quad)[4], IDirect3DVertexBuffer9*& vb,
+                       IDirect3DIndexBuffer9*& ib);
   // Fills one level of a texture with a single colour.
   static void FillLevel(IDirect3DTexture9* texture, UINT level, D3DCOLOR color);
 

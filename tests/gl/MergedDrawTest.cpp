@@ -2,7 +2,6 @@
 // own texture in call order, a state change or texture upload between two
 // draws applies to the later one only, indexed draws keep their place among
 // UP draws, and a texture released while its draw waits still shows.
-#include <cstring>
 #include <functional>
 
 #include "GLFixture.h"
@@ -107,26 +106,13 @@ TEST_F(MergedDrawTest, AChangeBetweenTwoDrawsAppliesToTheLaterOnly) {
 
 TEST_F(MergedDrawTest, IndexedDrawsKeepTheirPlaceAmongUpDraws) {
   device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
-  IDirect3DVertexBuffer9* vb = nullptr;
-  IDirect3DIndexBuffer9* ib = nullptr;
-  ASSERT_EQ(device_->CreateVertexBuffer(4 * sizeof(ScreenVertex), 0, kScreenFVF, D3DPOOL_MANAGED,
-                                        &vb, nullptr),
-            D3D_OK);
-  ASSERT_EQ(device_->CreateIndexBuffer(6 * sizeof(WORD), 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
-                                       nullptr),
-            D3D_OK);
   const ScreenVertex green[4] = {{16, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
                                  {48, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
                                  {48, 48, 0.5f, 1, kGreen, 0, 0, 0, 0},
                                  {16, 48, 0.5f, 1, kGreen, 0, 0, 0, 0}};
-  const WORD indices[6] = {0, 1, 2, 0, 2, 3};
-  void* bytes = nullptr;
-  ASSERT_EQ(vb->Lock(0, 0, &bytes, 0), D3D_OK);
-  std::memcpy(bytes, green, sizeof green);
-  vb->Unlock();
-  ASSERT_EQ(ib->Lock(0, 0, &bytes, 0), D3D_OK);
-  std::memcpy(bytes, indices, sizeof indices);
-  ib->Unlock();
+  IDirect3DVertexBuffer9* vb = nullptr;
+  IDirect3DIndexBuffer9* ib = nullptr;
+  ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers(green, vb, ib));
 
   ClearAll();
   ASSERT_EQ(Quad({8, 8, 40, 40}, kRed), D3D_OK);
