@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "platform/crt/FileIo.h"
 #include "platform/d3dx9/d3dx9.h"
 #include "terrain/Mesh.h"
 
@@ -41,14 +42,6 @@ constexpr TextureEntry TEXTURES[] = {
     {"Data\\preservativ.png", &CTerrain::m_preservativTexture, 0x00FFFFFF},
     {"Data\\rain.png", &CTerrain::m_rainTexture, 0x640000FF},
 };
-
-// The asset names are written with backslashes; this file system wants slashes.
-std::FILE* OpenBinary(const char* fileName) {
-  std::string path(fileName);
-  for (char& c : path)
-    if (c == '\\') c = '/';
-  return std::fopen(path.c_str(), "rb");
-}
 
 }  // namespace
 
@@ -120,12 +113,12 @@ bool CTerrain::LoadHeightMap(const char* fileName, std::uint32_t width, std::uin
   m_heightMap = static_cast<std::uint8_t*>(std::malloc(bytes));
   if (!m_heightMap) return false;
 
-  std::FILE* file = OpenBinary(fileName);
+  std::FILE* file = crt::fopen(fileName, "rb");
   if (!file) return false;
   // One item of the whole size: a short file reads no item and fails the load
   // rather than leaving part of the map undefined.
-  const std::size_t items = std::fread(m_heightMap, bytes, 1, file);
-  std::fclose(file);
+  const std::size_t items = crt::fread(m_heightMap, bytes, 1, file);
+  crt::fclose(file);
   if (items != 1) return false;
 
   for (const TextureEntry& entry : TEXTURES) {

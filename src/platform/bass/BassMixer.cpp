@@ -13,6 +13,9 @@
 #include <SDL.h>
 #include <SDL_mixer.h>
 
+#include "platform/crt/AssetReport.h"
+
+#include <cerrno>
 #include <string>
 #include <utility>
 #include <vector>
@@ -112,33 +115,76 @@ std::string NativePath(const char* path) {
   return native;
 }
 
+// Decodes a whole source with the decoder's own messages caught: libmpg123
+// writes its warnings straight to standard error.
+Mix_Chunk* Decode(SDL_RWops* rw, std::string& chatter) {
+  struct Load {
+    SDL_RWops* rw;
+    Mix_Chunk* chunk;
+  } load{rw, nullptr};
+  chatter = crt::CaptureStandardError(
+      [](void* context) {
+        auto* l = static_cast<Load*>(context);
+        l->chunk = Mix_LoadWAV_RW(l->rw, 1);
+      },
+      &load);
+  return load.chunk;
+}
+
 // Decodes the whole source of a load: `length` bytes from `offset` (0: to the
-// end of the file). Null when the source cannot be read or decoded.
-Mix_Chunk* LoadChunk(BOOL mem, const void* file, QWORD offset, DWORD length) {
+// end of the file). Null when the source cannot be read or decoded; `problem`
+// then says why in plain words. A file that decoded with the decoder's
+// complaints comes back with a `problem` too.
+Mix_Chunk* LoadChunk(BOOL mem, const void* file, QWORD offset, DWORD length, std::string& problem) {
+  std::string chatter;
   if (!file) return nullptr;
   if (mem) {
     // A memory block has no end of its own, so it needs its size.
     if (length == 0 || length > 0x7FFFFFFFu) return nullptr;
     SDL_RWops* rw = SDL_RWFromConstMem(static_cast<const char*>(file) + offset, static_cast<int>(length));
-    return rw ? Mix_LoadWAV_RW(rw, 1) : nullptr;
+    return rw ? Decode(rw, chatter) : nullptr;
   }
+  errno = 0;
   SDL_RWops* rw = SDL_RWFromFile(NativePath(static_cast<const char*>(file)).c_str(), "rb");
-  if (!rw) return nullptr;
-  if (offset == 0 && length == 0) return Mix_LoadWAV_RW(rw, 1);
-  // A part of a file: read that part into memory and decode it from there.
-  Sint64 size = SDL_RWsize(rw);
-  QWORD count = length ? length : (size >= 0 && offset <= static_cast<QWORD>(size) ? size - offset : 0);
-  std::vector<unsigned char> data;
-  bool ok = size >= 0 && count > 0 && count <= 0x7FFFFFFFu && offset + count <= static_cast<QWORD>(size);
-  if (ok) {
-    data.resize(static_cast<size_t>(count));
-    ok = SDL_RWseek(rw, static_cast<Sint64>(offset), RW_SEEK_SET) >= 0 &&
-         SDL_RWread(rw, data.data(), 1, data.size()) == data.size();
+  if (!rw) {
+    problem = crt::DescribeOpenError(errno);
+    return nullptr;
   }
-  SDL_RWclose(rw);
-  if (!ok) return nullptr;
-  SDL_RWops* memRw = SDL_RWFromConstMem(data.data(), static_cast<int>(data.size()));
-  return memRw ? Mix_LoadWAV_RW(memRw, 1) : nullptr;  // the chunk holds its own copy
+  Sint64 size = SDL_RWsize(rw);
+  Mix_Chunk* chunk = nullptr;
+  if (size == 0) {
+    SDL_RWclose(rw);
+    problem = "the file is empty";
+    return nullptr;
+  }
+  if (offset == 0 && length == 0) {
+    chunk = Decode(rw, chatter);
+  } else {
+    // A part of a file: read that part into memory and decode it from there.
+    QWORD count = length ? length : (size >= 0 && offset <= static_cast<QWORD>(size) ? size - offset : 0);
+    std::vector<unsigned char> data;
+    bool ok = size >= 0 && count > 0 && count <= 0x7FFFFFFFu && offset + count <= static_cast<QWORD>(size);
+    if (ok) {
+      data.resize(static_cast<size_t>(count));
+      ok = SDL_RWseek(rw, static_cast<Sint64>(offset), RW_SEEK_SET) >= 0 &&
+           SDL_RWread(rw, data.data(), 1, data.size()) == data.size();
+    }
+    SDL_RWclose(rw);
+    if (!ok) {
+      problem = "the file is shorter than the part asked for";
+      return nullptr;
+    }
+    SDL_RWops* memRw = SDL_RWFromConstMem(data.data(), static_cast<int>(data.size()));
+    chunk = memRw ? Decode(memRw, chatter) : nullptr;  // the chunk holds its own copy
+  }
+  if (!chunk) {
+    problem = "it is not a sound that can be decoded (mp3, ogg or wav)";
+  } else if (chatter.find("Xing stream size") != std::string::npos) {
+    problem = "the file ends early; what is there plays";
+  } else if (!chatter.empty()) {
+    problem = "the sound data is damaged in places; what can be decoded plays";
+  }
+  return chunk;
 }
 
 }  // namespace
@@ -175,12 +221,15 @@ HSAMPLE BASS_SampleLoad(BOOL mem, const void* file, QWORD offset, DWORD length, 
   BassState& state = State();
   if (!state.started || max == 0 || max > kMaxPlaybacks) return 0;
   if (state.samples.size() >= kMaxSamples) return 0;
-  Mix_Chunk* chunk = LoadChunk(mem, file, offset, length);
-  if (!chunk) return 0;
-  if (chunk->alen == 0) {  // a file that decodes to nothing is no sound
+  std::string problem;
+  Mix_Chunk* chunk = LoadChunk(mem, file, offset, length, problem);
+  if (chunk && chunk->alen == 0) {  // a file that decodes to nothing is no sound
     Mix_FreeChunk(chunk);
-    return 0;
+    chunk = nullptr;
+    problem = "it holds no sound";
   }
+  if (!problem.empty() && !mem) crt::ReportAsset(static_cast<const char*>(file), problem);
+  if (!chunk) return 0;
   SampleRecord sample;
   sample.chunk = chunk;
   sample.loop = (flags & BASS_SAMPLE_LOOP) != 0;

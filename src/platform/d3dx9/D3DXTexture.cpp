@@ -2,9 +2,9 @@
 // build the mip chain, and fill a texture made by the given device through its
 // own CreateTexture and LockRect. So the loaders work on any device, the GL
 // back end and test fakes alike.
-#include <cstdio>
 #include <cstring>
 
+#include "platform/crt/AssetReport.h"
 #include "platform/d3dx9/D3DXTextureImage.h"
 #include "platform/d3dx9/d3dx9tex.h"
 
@@ -79,7 +79,7 @@ HRESULT D3DXCreateTextureFromFileExA(IDirect3DDevice9* pDevice, const char* pSrc
   d3dx::DecodedImage decoded;
   std::string error;
   if (!d3dx::DecodeImageFile(pSrcFile, decoded, error)) {
-    std::fprintf(stderr, "[d3dx9] D3DXCreateTextureFromFileExA: %s: %s\n", pSrcFile, error.c_str());
+    crt::ReportAsset(pSrcFile, error);
     return D3DXERR_INVALIDDATA;
   }
   d3dx::ArgbImage& image = decoded.image;

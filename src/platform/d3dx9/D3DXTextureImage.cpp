@@ -4,9 +4,12 @@
 #include <stb_image.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+
+#include "platform/crt/AssetReport.h"
 
 namespace d3dx {
 
@@ -56,43 +59,52 @@ std::string ForwardSlashes(std::string path) {
   return path;
 }
 
+// stb_image names its failures in a word or two of its own; say them plainly.
+std::string PlainReason(const char* stbReason) {
+  const std::string reason = stbReason ? stbReason : "";
+  if (reason == "outofdata") return "the file ends early";
+  if (reason == "outofmem") return "there is not enough memory to decode it";
+  if (reason == "too large") return "the picture is too large";
+  return "the picture data is damaged (" + (reason.empty() ? std::string("unknown fault") : reason) + ")";
+}
+
 }  // namespace
 
 bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage& out, std::string& error) {
   out = DecodedImage{};
   if (bytes == nullptr || size == 0) {
-    error = "empty file";
+    error = "the file is empty";
     return false;
   }
   if (size > std::size_t(kMaxFileBytes)) {
-    error = "file too large";
+    error = "the file is too large for a picture";
     return false;
   }
   if (IsJpeg(bytes, size)) {
     out.kind = ImageKind::Jpeg;
     if (!JpegIsComplete(bytes, size)) {
-      error = "truncated JPEG";
+      error = "the file ends early";
       return false;
     }
   } else if (IsPng(bytes, size)) {
     out.kind = ImageKind::Png;
   } else {
-    error = "not a JPEG or PNG file";
+    error = "it is not a JPEG or PNG picture";
     return false;
   }
   int w = 0, h = 0, comp = 0;
   if (!stbi_info_from_memory(bytes, int(size), &w, &h, &comp) || w <= 0 || h <= 0) {
-    error = stbi_failure_reason() ? stbi_failure_reason() : "unreadable header";
+    error = PlainReason(stbi_failure_reason());
     return false;
   }
   if (w > kMaxSide || h > kMaxSide) {
-    error = "image too large";
+    error = "the picture is too large";
     return false;
   }
   std::unique_ptr<stbi_uc, void (*)(void*)> rgba(stbi_load_from_memory(bytes, int(size), &w, &h, &comp, 4),
                                                  stbi_image_free);
   if (!rgba) {
-    error = stbi_failure_reason() ? stbi_failure_reason() : "decode failed";
+    error = PlainReason(stbi_failure_reason());
     return false;
   }
   out.hasAlpha = comp == 2 || comp == 4;
@@ -112,21 +124,21 @@ bool DecodeImageFile(const std::string& path, DecodedImage& out, std::string& er
   std::string name = ForwardSlashes(path);
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(name.c_str(), "rb"), std::fclose);
   if (!f) {
-    error = "cannot open " + name;
+    error = crt::DescribeOpenError(errno);
     return false;
   }
   if (std::fseek(f.get(), 0, SEEK_END) != 0) {
-    error = "cannot read " + name;
+    error = "it cannot be read";
     return false;
   }
   long size = std::ftell(f.get());
   if (size <= 0 || size > kMaxFileBytes || std::fseek(f.get(), 0, SEEK_SET) != 0) {
-    error = size <= 0 ? "empty or unreadable file " + name : "file too large: " + name;
+    error = size == 0 ? "the file is empty" : size < 0 ? "it cannot be read" : "the file is too large for a picture";
     return false;
   }
   std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
   if (std::fread(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
-    error = "cannot read " + name;
+    error = "it cannot be read";
     return false;
   }
   return DecodeImageMemory(bytes.data(), bytes.size(), out, error);
