@@ -3,38 +3,20 @@
 // folder: 1 when the background music cannot be started, 0 when the start
 // fails. The normal end, with 0, is the scripted run of LifecycleTest.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <initializer_list>
 #include <iterator>
 #include <string>
+
+#include "support/AssetFolder.h"
 
 namespace fs = std::filesystem;
 
 namespace program_test {
 namespace {
-
-// A folder with the assets of `from` as links, leaving out the named files.
-fs::path TrimmedAssets(const fs::path& from, std::initializer_list<const char*> leftOut) {
-  std::string pattern = (fs::temp_directory_path() / "karvo_exit_XXXXXX").string();
-  const char* made = mkdtemp(pattern.data());
-  if (!made) return {};
-  const fs::path root = made;
-  for (const char* folder : {"Data", "music", "speech/mp3"}) {
-    fs::create_directories(root / folder);
-    for (const fs::directory_entry& entry : fs::directory_iterator(from / folder)) {
-      const fs::path relative = fs::path(folder) / entry.path().filename();
-      bool keep = true;
-      for (const char* name : leftOut) keep = keep && relative != fs::path(name);
-      if (keep) fs::create_symlink(entry.path(), root / relative);
-    }
-  }
-  return root;
-}
 
 struct Outcome {
   int exitCode = -1;
@@ -62,22 +44,22 @@ TEST(ExitCode, OneWhenTheMusicIsMissingZeroWhenTheStartFails) {
 
   // The world builds, then the music cannot be loaded: 1, straight away,
   // without a message.
-  const fs::path noMusic = TrimmedAssets(assets, {"music/1.mp3"});
-  ASSERT_FALSE(noMusic.empty());
-  const Outcome withoutMusic = RunProgramIn(noMusic);
+  test_support::AssetFolder noMusic(assets);
+  ASSERT_TRUE(noMusic.Made());
+  noMusic.Remove("music/1.mp3");
+  const Outcome withoutMusic = RunProgramIn(noMusic.Root());
   EXPECT_EQ(withoutMusic.exitCode, 1) << withoutMusic.output;
   EXPECT_EQ(withoutMusic.output.find("Error"), std::string::npos) << withoutMusic.output;
 
   // Without the height map the world cannot be built: the start fails
   // quietly and the program ends with 0, before it ever asks for the music.
-  const fs::path noMap = TrimmedAssets(assets, {"music/1.mp3", "Data/HeightMap.raw"});
-  ASSERT_FALSE(noMap.empty());
-  const Outcome withoutMap = RunProgramIn(noMap);
+  test_support::AssetFolder noMap(assets);
+  ASSERT_TRUE(noMap.Made());
+  noMap.Remove("music/1.mp3");
+  noMap.Remove("Data/HeightMap.raw");
+  const Outcome withoutMap = RunProgramIn(noMap.Root());
   EXPECT_EQ(withoutMap.exitCode, 0) << withoutMap.output;
   EXPECT_EQ(withoutMap.output.find("Error"), std::string::npos) << withoutMap.output;
-
-  fs::remove_all(noMusic);
-  fs::remove_all(noMap);
 }
 
 }  // namespace
