@@ -35,7 +35,9 @@ __attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRI
 void ReExecUnderXvfb(int argc, char** argv) {
   const char* display = std::getenv("DISPLAY");
   const char* wayland = std::getenv("WAYLAND_DISPLAY");
-  if ((display && *display) || (wayland && *wayland) || std::getenv("KARVO_CAPTURE_XVFB")) return;
+  const char* driver = std::getenv("SDL_VIDEODRIVER");
+  const bool offscreen = driver && std::string(driver) == "offscreen";  // EGL without any display server
+  if ((display && *display) || (wayland && *wayland) || offscreen || std::getenv("KARVO_CAPTURE_XVFB")) return;
   setenv("KARVO_CAPTURE_XVFB", "1", 1);
   std::string self = "/proc/self/exe";
   std::error_code error;

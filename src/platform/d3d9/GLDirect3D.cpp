@@ -31,6 +31,23 @@ D3DDISPLAYMODE ToD3D(const SDL_DisplayMode& m) {
   return D3DDISPLAYMODE{UINT(m.w), UINT(m.h), UINT(m.refresh_rate > 0 ? m.refresh_rate : 60), FormatOfMode(m)};
 }
 
+// A display without a screen (SDL's offscreen driver on a GPU server) names a
+// single mode of 0 x 0 pixels and no depth. Its windows are GL drawables of 32
+// bits all the same, so it gets one usable mode: the desktop's size where it
+// has one, else this one.
+constexpr int kHeadlessWidth = 1920;
+constexpr int kHeadlessHeight = 1080;
+
+bool HasSize(const SDL_DisplayMode& m) { return m.w > 0 && m.h > 0; }
+
+D3DDISPLAYMODE HeadlessMode(int adapter) {
+  SDL_DisplayMode desktop{};
+  const bool known = SDL_GetDesktopDisplayMode(adapter, &desktop) == 0 && HasSize(desktop);
+  D3DDISPLAYMODE mode = ToD3D(known ? desktop : SDL_DisplayMode{0, kHeadlessWidth, kHeadlessHeight, 0, nullptr});
+  if (mode.Format == D3DFMT_UNKNOWN) mode.Format = D3DFMT_X8R8G8B8;
+  return mode;
+}
+
 class GLDirect3D final : public IDirect3D9 {
  public:
   ULONG AddRef() override { return ++refs_; }
@@ -70,7 +87,7 @@ class GLDirect3D final : public IDirect3D9 {
     SDL_DisplayMode m;
     if (out == nullptr || adapter >= GetAdapterCount() || SDL_GetDesktopDisplayMode(int(adapter), &m) != 0)
       return D3DERR_INVALIDCALL;
-    *out = ToD3D(m);
+    *out = HasSize(m) && FormatOfMode(m) != D3DFMT_UNKNOWN ? ToD3D(m) : HeadlessMode(int(adapter));
     return D3D_OK;
   }
 
@@ -195,9 +212,11 @@ class GLDirect3D final : public IDirect3D9 {
     std::vector<D3DDISPLAYMODE> out;
     if (adapter >= GetAdapterCount()) return out;
     int n = SDL_GetNumDisplayModes(int(adapter));
+    bool usable = false;
     for (int i = 0; i < n; ++i) {
       SDL_DisplayMode m;
-      if (SDL_GetDisplayMode(int(adapter), i, &m) != 0) continue;
+      if (SDL_GetDisplayMode(int(adapter), i, &m) != 0 || !HasSize(m) || FormatOfMode(m) == D3DFMT_UNKNOWN) continue;
+      usable = true;
       D3DDISPLAYMODE d = ToD3D(m);
       if (d.Format != format) continue;
       bool seen = std::any_of(out.begin(), out.end(), [&](const D3DDISPLAYMODE& o) {
@@ -205,6 +224,7 @@ class GLDirect3D final : public IDirect3D9 {
       });
       if (!seen) out.push_back(d);
     }
+    if (!usable && HeadlessMode(int(adapter)).Format == format) out.push_back(HeadlessMode(int(adapter)));
     std::sort(out.begin(), out.end(), [](const D3DDISPLAYMODE& a, const D3DDISPLAYMODE& b) {
       if (a.Width != b.Width) return a.Width < b.Width;
       if (a.Height != b.Height) return a.Height < b.Height;
