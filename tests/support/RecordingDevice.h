@@ -34,8 +34,7 @@ struct DeviceCall {
   std::vector<double> args;
 
   DeviceCall() = default;
-  DeviceCall(std::string m, std::vector<double> a = {})
-      : method(std::move(m)), args(std::move(a)) {}
+  DeviceCall(std::string m, std::vector<double> a = {}) : method(std::move(m)), args(std::move(a)) {}
   bool operator==(const DeviceCall& o) const { return method == o.method && args == o.args; }
 };
 
@@ -46,9 +45,7 @@ inline DeviceCalls operator+(DeviceCalls a, const DeviceCalls& b) {
   return a;
 }
 
-inline double Ptr(const void* p) {
-  return static_cast<double>(reinterpret_cast<std::uintptr_t>(p));
-}
+inline double Ptr(const void* p) { return static_cast<double>(reinterpret_cast<std::uintptr_t>(p)); }
 
 inline std::ostream& operator<<(std::ostream& os, const DeviceCall& c) {
   os << c.method << "(";
@@ -56,10 +53,8 @@ inline std::ostream& operator<<(std::ostream& os, const DeviceCall& c) {
     // Whole numbers (enums, counts, addresses) print exactly, in full.
     const double v = c.args[i];
     os << (i ? ", " : "");
-    if (v == static_cast<double>(static_cast<long long>(v)))
-      os << static_cast<long long>(v);
-    else
-      os << v;
+    if (v == static_cast<double>(static_cast<long long>(v))) os << static_cast<long long>(v);
+    else os << v;
   }
   return os << ")";
 }
@@ -89,9 +84,7 @@ class FakeResource : public Interface {
   }
 
  protected:
-  explicit FakeResource(std::shared_ptr<SharedLog> log) : log_(std::move(log)) {
-    ++log_->liveResources;
-  }
+  explicit FakeResource(std::shared_ptr<SharedLog> log) : log_(std::move(log)) { ++log_->liveResources; }
   ~FakeResource() override = default;
   std::shared_ptr<SharedLog> log_;
 
@@ -102,13 +95,8 @@ class FakeResource : public Interface {
 template <class Interface>
 class FakeBuffer : public FakeResource<Interface> {
  public:
-  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage,
-             DWORD format, D3DPOOL pool)
-      : FakeResource<Interface>(std::move(log)),
-        kind_(kind),
-        bytes_(length),
-        usage_(usage),
-        format_(format),
+  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, DWORD format, D3DPOOL pool)
+      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), format_(format),
         pool_(pool) {}
   HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
     this->log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
@@ -145,8 +133,8 @@ class FakeBuffer : public FakeResource<Interface> {
 // D3DX loaders write.
 class FakeTexture : public FakeResource<IDirect3DTexture9> {
  public:
-  FakeTexture(std::shared_ptr<SharedLog> log, UINT w, UINT h, UINT levels, DWORD usage,
-              D3DFORMAT format, D3DPOOL pool)
+  FakeTexture(std::shared_ptr<SharedLog> log, UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format,
+              D3DPOOL pool)
       : FakeResource(std::move(log)), usage_(usage), format_(format), pool_(pool) {
     UINT full = 1;
     for (UINT s = w > h ? w : h; s > 1; s >>= 1) ++full;
@@ -159,14 +147,8 @@ class FakeTexture : public FakeResource<IDirect3DTexture9> {
   DWORD GetLevelCount() override { return DWORD(levels_.size()); }
   HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override {
     if (level >= levels_.size() || desc == nullptr) return D3DERR_INVALIDCALL;
-    *desc = D3DSURFACE_DESC{format_,
-                            D3DRTYPE_SURFACE,
-                            usage_,
-                            pool_,
-                            D3DMULTISAMPLE_NONE,
-                            0,
-                            levels_[level].width,
-                            levels_[level].height};
+    *desc = D3DSURFACE_DESC{format_, D3DRTYPE_SURFACE, usage_, pool_, D3DMULTISAMPLE_NONE, 0,
+                            levels_[level].width, levels_[level].height};
     return D3D_OK;
   }
   HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD flags) override {
@@ -199,17 +181,13 @@ using FakeVertexBuffer = detail::FakeBuffer<IDirect3DVertexBuffer9>;
 using FakeIndexBuffer = detail::FakeBuffer<IDirect3DIndexBuffer9>;
 
 // Only for buffers this fake made.
-inline FakeVertexBuffer* AsFake(IDirect3DVertexBuffer9* vb) {
-  return static_cast<FakeVertexBuffer*>(vb);
-}
-inline FakeIndexBuffer* AsFake(IDirect3DIndexBuffer9* ib) {
-  return static_cast<FakeIndexBuffer*>(ib);
-}
+inline FakeVertexBuffer* AsFake(IDirect3DVertexBuffer9* vb) { return static_cast<FakeVertexBuffer*>(vb); }
+inline FakeIndexBuffer* AsFake(IDirect3DIndexBuffer9* ib) { return static_cast<FakeIndexBuffer*>(ib); }
 
 class RecordingDevice : public IDirect3DDevice9 {
  public:
   // ---- switches a test may set -------------------------------------------------
-  HRESULT presentResult = D3D_OK;               // e.g. D3DERR_DEVICELOST
+  HRESULT presentResult = D3D_OK;              // e.g. D3DERR_DEVICELOST
   HRESULT testCooperativeLevelResult = D3D_OK;  // e.g. D3DERR_DEVICENOTRESET
   HRESULT resetResult = D3D_OK;
   // Create* calls that succeed before the next ones fail with createFailure;
@@ -240,8 +218,7 @@ class RecordingDevice : public IDirect3DDevice9 {
     log_->calls.clear();
     upVertices_.clear();
   }
-  // The vertices that the n-th DrawPrimitiveUP since the last ClearLog sent,
-  // read as V (the caller names the layout it drew with).
+  // The vertices that the n-th DrawPrimitiveUP since the last ClearLog sent, read as V.
   template <class V>
   std::vector<V> UpVertices(std::size_t n) const {
     const std::vector<std::uint8_t>& bytes = upVertices_.at(n);
@@ -255,34 +232,21 @@ class RecordingDevice : public IDirect3DDevice9 {
   // ---- current state ---------------------------------------------------------------
   ULONG RefCount() const { return refs_; }
   int LiveResources() const { return log_->liveResources; }
-  DWORD RenderState(D3DRENDERSTATETYPE s) const {
-    return Lookup(renderStates_, DWORD(s), DWORD(0));
-  }
+  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), DWORD(0)); }
   // Unset sampler states read WRAP, POINT, mip NONE and anisotropy 1.
   DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const {
-    return Lookup(samplerStates_, {sampler, t},
-                  t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : DWORD(1));
+    return Lookup(samplerStates_, {sampler, t}, t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : DWORD(1));
   }
   DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const {
     DWORD fallback = 0;
     switch (t) {
-      case D3DTSS_COLOROP:
-        fallback = stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE;
-        break;
-      case D3DTSS_ALPHAOP:
-        fallback = stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE;
-        break;
+      case D3DTSS_COLOROP: fallback = stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE; break;
+      case D3DTSS_ALPHAOP: fallback = stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE; break;
       case D3DTSS_COLORARG1:
-      case D3DTSS_ALPHAARG1:
-        fallback = D3DTA_TEXTURE;
-        break;
+      case D3DTSS_ALPHAARG1: fallback = D3DTA_TEXTURE; break;
       case D3DTSS_COLORARG2:
-      case D3DTSS_ALPHAARG2:
-        fallback = D3DTA_CURRENT;
-        break;
-      case D3DTSS_TEXCOORDINDEX:
-        fallback = stage;
-        break;
+      case D3DTSS_ALPHAARG2: fallback = D3DTA_CURRENT; break;
+      case D3DTSS_TEXCOORDINDEX: fallback = stage; break;
     }
     return Lookup(stageStates_, {stage, t}, fallback);
   }
@@ -305,9 +269,9 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT Reset(D3DPRESENT_PARAMETERS* pp) override {
     if (pp == nullptr) return Log("Reset", {0}), D3DERR_INVALIDCALL;
-    Log("Reset", {double(pp->BackBufferWidth), double(pp->BackBufferHeight),
-                  double(pp->BackBufferFormat), double(pp->MultiSampleType), double(pp->Windowed),
-                  double(pp->AutoDepthStencilFormat), double(pp->PresentationInterval)});
+    Log("Reset", {double(pp->BackBufferWidth), double(pp->BackBufferHeight), double(pp->BackBufferFormat),
+                  double(pp->MultiSampleType), double(pp->Windowed), double(pp->AutoDepthStencilFormat),
+                  double(pp->PresentationInterval)});
     lastReset_ = *pp;
     return resetResult;
   }
@@ -318,24 +282,21 @@ class RecordingDevice : public IDirect3DDevice9 {
 
   HRESULT CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                         IDirect3DTexture9** out, HANDLE* shared) override {
-    Log("CreateTexture",
-        {double(w), double(h), double(levels), double(usage), double(format), double(pool)});
+    Log("CreateTexture", {double(w), double(h), double(levels), double(usage), double(format), double(pool)});
     return Create(out, shared, w * h,
                   [&] { return new detail::FakeTexture(log_, w, h, levels, usage, format, pool); });
   }
-  HRESULT CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool,
-                             IDirect3DVertexBuffer9** out, HANDLE* shared) override {
+  HRESULT CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool, IDirect3DVertexBuffer9** out,
+                             HANDLE* shared) override {
     Log("CreateVertexBuffer", {double(length), double(usage), double(fvf), double(pool)});
-    return Create(out, shared, length, [&] {
-      return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, fvf, pool);
-    });
+    return Create(out, shared, length,
+                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, fvf, pool); });
   }
-  HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool,
-                            IDirect3DIndexBuffer9** out, HANDLE* shared) override {
+  HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
+                            HANDLE* shared) override {
     Log("CreateIndexBuffer", {double(length), double(usage), double(format), double(pool)});
-    return Create(out, shared, length, [&] {
-      return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, format, pool);
-    });
+    return Create(out, shared, length,
+                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, format, pool); });
   }
 
   HRESULT BeginScene() override {
@@ -346,10 +307,8 @@ class RecordingDevice : public IDirect3DDevice9 {
     Log("EndScene");
     return std::exchange(inScene_, false) ? D3D_OK : D3DERR_INVALIDCALL;
   }
-  HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
-                DWORD stencil) override {
-    Log("Clear",
-        {double(count), Ptr(rects), double(flags), double(color), double(z), double(stencil)});
+  HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z, DWORD stencil) override {
+    Log("Clear", {double(count), Ptr(rects), double(flags), double(color), double(z), double(stencil)});
     return D3D_OK;
   }
 
@@ -365,8 +324,8 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT SetViewport(const D3DVIEWPORT9* vp) override {
     if (vp == nullptr) return Log("SetViewport"), D3DERR_INVALIDCALL;
-    Log("SetViewport", {double(vp->X), double(vp->Y), double(vp->Width), double(vp->Height),
-                        double(vp->MinZ), double(vp->MaxZ)});
+    Log("SetViewport", {double(vp->X), double(vp->Y), double(vp->Width), double(vp->Height), double(vp->MinZ),
+                        double(vp->MaxZ)});
     return D3D_OK;
   }
   HRESULT SetRenderState(D3DRENDERSTATETYPE s, DWORD v) override {
@@ -393,8 +352,7 @@ class RecordingDevice : public IDirect3DDevice9 {
     Log("SetFVF", {double(fvf)});
     return D3D_OK;
   }
-  HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset,
-                          UINT stride) override {
+  HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset, UINT stride) override {
     Log("SetStreamSource", {double(stream), Ptr(vb), double(offset), double(stride)});
     if (stream != 0) return D3DERR_INVALIDCALL;
     Bind(stream_, vb);
@@ -405,25 +363,28 @@ class RecordingDevice : public IDirect3DDevice9 {
     Bind(indices_, ib);
     return D3D_OK;
   }
-  HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base, UINT minIndex, UINT numVertices,
-                               UINT start, UINT count) override {
-    Log("DrawIndexedPrimitive", {double(type), double(base), double(minIndex), double(numVertices),
-                                 double(start), double(count)});
+  HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base, UINT minIndex, UINT numVertices, UINT start,
+                               UINT count) override {
+    Log("DrawIndexedPrimitive",
+        {double(type), double(base), double(minIndex), double(numVertices), double(start), double(count)});
     return stream_ && indices_ ? D3D_OK : D3DERR_INVALIDCALL;
   }
-  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices,
-                          UINT stride) override {
+  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices, UINT stride) override {
     Log("DrawPrimitiveUP", {double(type), double(count), double(stride)});
     if (vertices == nullptr || count == 0 || stride == 0) return D3DERR_INVALIDCALL;
+    // Vertices a draw of `count` primitives reads: triangle strips and fans share two.
+    const UINT used = type == D3DPT_POINTLIST     ? count
+                      : type == D3DPT_LINELIST    ? count * 2
+                      : type == D3DPT_LINESTRIP   ? count + 1
+                      : type == D3DPT_TRIANGLELIST ? count * 3
+                                                   : count + 2;
     const auto* first = static_cast<const std::uint8_t*>(vertices);
-    upVertices_.emplace_back(first, first + std::size_t(VerticesOf(type, count)) * stride);
+    upVertices_.emplace_back(first, first + std::size_t(used) * stride);
     return D3D_OK;
   }
 
  private:
-  void Log(const char* method, std::vector<double> args = {}) {
-    log_->calls.push_back({method, std::move(args)});
-  }
+  void Log(const char* method, std::vector<double> args = {}) { log_->calls.push_back({method, std::move(args)}); }
   // Hands out a new resource unless the arguments are bad or a failure is due.
   template <class T, class Make>
   HRESULT Create(T** out, HANDLE* shared, UINT size, Make make) {
@@ -433,21 +394,6 @@ class RecordingDevice : public IDirect3DDevice9 {
     if (createsBeforeFailure > 0) --createsBeforeFailure;
     *out = make();
     return D3D_OK;
-  }
-  static UINT VerticesOf(D3DPRIMITIVETYPE type, UINT count) {
-    switch (type) {
-      case D3DPT_LINELIST:
-        return count * 2;
-      case D3DPT_LINESTRIP:
-        return count + 1;
-      case D3DPT_TRIANGLELIST:
-        return count * 3;
-      case D3DPT_TRIANGLESTRIP:
-      case D3DPT_TRIANGLEFAN:
-        return count + 2;
-      default:
-        return count;
-    }
   }
   template <class Map>
   static typename Map::mapped_type Lookup(const Map& map, const typename Map::key_type& key,
@@ -467,15 +413,10 @@ class RecordingDevice : public IDirect3DDevice9 {
   ULONG refs_ = 1;
   bool inScene_ = false;
   // The platform's defaults for the render states; unlisted ones start at 0.
-  std::map<DWORD, DWORD> renderStates_{{D3DRS_ZENABLE, D3DZB_TRUE},
-                                       {D3DRS_FILLMODE, D3DFILL_SOLID},
-                                       {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
-                                       {D3DRS_ZWRITEENABLE, TRUE},
-                                       {D3DRS_SRCBLEND, D3DBLEND_ONE},
-                                       {D3DRS_DESTBLEND, D3DBLEND_ZERO},
-                                       {D3DRS_CULLMODE, D3DCULL_CCW},
-                                       {D3DRS_ZFUNC, D3DCMP_LESSEQUAL},
-                                       {D3DRS_LIGHTING, TRUE}};
+  std::map<DWORD, DWORD> renderStates_{
+      {D3DRS_ZENABLE, D3DZB_TRUE},     {D3DRS_FILLMODE, D3DFILL_SOLID},    {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
+      {D3DRS_ZWRITEENABLE, TRUE},      {D3DRS_SRCBLEND, D3DBLEND_ONE},     {D3DRS_DESTBLEND, D3DBLEND_ZERO},
+      {D3DRS_CULLMODE, D3DCULL_CCW},   {D3DRS_ZFUNC, D3DCMP_LESSEQUAL},    {D3DRS_LIGHTING, TRUE}};
   std::map<std::pair<DWORD, DWORD>, DWORD> samplerStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;
