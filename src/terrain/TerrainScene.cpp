@@ -25,6 +25,10 @@ constexpr float WATER_STEPS = 54.0f;
 // One frame in this many flips the rain on or off, on one draw of rand.
 constexpr int RAIN_SWITCH_RANGE = 10000;
 constexpr int RAIN_SWITCH_VALUE = 5555;
+// Height above the water up to which the camera's view is tinted below the line.
+constexpr float OVERLAY_REACH = 10.0f;
+// Figures that fly and are drawn: the first slots of the array, whatever its size.
+constexpr int LIVE_FIGURES = 100;
 
 }  // namespace
 
@@ -37,8 +41,11 @@ void CTerrain::RenderScene(CCamera* camera) {
   const bool above = altitude >= SWITCH_ALTITUDE;
 
   if (crt::rand() % RAIN_SWITCH_RANGE == RAIN_SWITCH_VALUE) m_rainEnabled = !m_rainEnabled;
-  // Here the world advances before anything of it is drawn: UpdateRain(camera),
-  // UpdateWings(), UpdateFigures().
+  // The world advances before anything of it is drawn, wherever the objects
+  // then fall in the order.
+  UpdateRain(camera);
+  UpdateWings();
+  UpdateFigures();
 
   if (above)
     DrawLowerGroup(camera);
@@ -46,12 +53,13 @@ void CTerrain::RenderScene(CCamera* camera) {
     DrawUpperGroup(camera);
 
   const float waterLevel = WATER_STEPS * m_scale.y;
-  (void)waterLevel;
   // The water and its overlay must not mix in the ground's detail layer.
   if (m_singlePass) m_device->SetTextureStageState(1, D3DTSS_COLOROP, D3DTOP_DISABLE);
-  // The water: DrawWater(camera, waterLevel); then, while the camera (not the
-  // player) is less than 10.0 above the surface, which may cross the near
-  // plane, camera->RenderWaterOverlay(m_device, 1, waterLevel).
+  DrawWater(camera, waterLevel);
+  // The tint runs while the camera itself (not the player) is under the water
+  // or less than 10.0 above it, where the surface may cross the near plane.
+  if (camera->GetPosition().y - OVERLAY_REACH < waterLevel)
+    camera->RenderWaterOverlay(m_device, 1, waterLevel);
   if (m_singlePass) m_device->SetTextureStageState(1, D3DTSS_COLOROP, GetGameApp()->GetColorOp());
 
   if (above)
@@ -70,9 +78,14 @@ void CTerrain::RenderScene(CCamera* camera) {
 void CTerrain::DrawUpperGroup(CCamera* camera) {
   DrawSkyscrapers();
   SetObjectAlpha();
-  // The rain: DrawRainDrop(x, y, z, camera) for each of the m_rainCount drops.
-  // The flock: SortFigures(), then DrawFigure(x, y, z, size, m_wingAngle,
-  // heading) for the first 100 figures only.
+  for (std::int32_t i = 0; i < m_rainCount; ++i)
+    DrawRainDrop(m_rain[i].m_x, m_rain[i].m_y, m_rain[i].m_z, camera);
+  // The figures draw with the vertex format that the drops left.
+  SortFigures();
+  for (int i = 0; i < LIVE_FIGURES; ++i) {
+    const CFlyingFigure& f = m_figures[i];
+    DrawFigure(f.m_x, f.m_y, f.m_z, f.m_size, m_wingAngle, f.m_heading);
+  }
   SetObjectAlpha();
   for (std::int32_t i = 0; i < m_flowerCount; ++i) {
     const CPlantRecord& f = m_flowers[i];
