@@ -218,12 +218,13 @@ class RecordingDevice : public IDirect3DDevice9 {
     log_->calls.clear();
     upVertices_.clear();
   }
-  // The vertices that the n-th DrawPrimitiveUP since the last ClearLog sent, read as V.
-  template <class V>
-  std::vector<V> UpVertices(std::size_t n) const {
-    const std::vector<std::uint8_t>& bytes = upVertices_.at(n);
-    std::vector<V> out(bytes.size() / sizeof(V));
-    if (!out.empty()) std::memcpy(out.data(), bytes.data(), out.size() * sizeof(V));
+  // The vertices of the draw-th DrawPrimitiveUP since the last ClearLog, read
+  // back as the caller's vertex type.
+  template <class Vertex>
+  std::vector<Vertex> UpVertices(std::size_t draw) const {
+    const std::vector<std::uint8_t>& bytes = upVertices_.at(draw);
+    std::vector<Vertex> out(bytes.size() / sizeof(Vertex));
+    if (!out.empty()) std::memcpy(out.data(), bytes.data(), out.size() * sizeof(Vertex));
     return out;
   }
   // Makes every buffer and texture Lock fail with `hr` (D3D_OK: succeed again).
@@ -372,14 +373,13 @@ class RecordingDevice : public IDirect3DDevice9 {
   HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices, UINT stride) override {
     Log("DrawPrimitiveUP", {double(type), double(count), double(stride)});
     if (vertices == nullptr || count == 0 || stride == 0) return D3DERR_INVALIDCALL;
-    // Vertices a draw of `count` primitives reads: triangle strips and fans share two.
-    const UINT used = type == D3DPT_POINTLIST     ? count
-                      : type == D3DPT_LINELIST    ? count * 2
-                      : type == D3DPT_LINESTRIP   ? count + 1
-                      : type == D3DPT_TRIANGLELIST ? count * 3
-                                                   : count + 2;
-    const auto* first = static_cast<const std::uint8_t*>(vertices);
-    upVertices_.emplace_back(first, first + std::size_t(used) * stride);
+    UINT n = count + 2;  // strips and fans
+    if (type == D3DPT_TRIANGLELIST) n = count * 3;
+    if (type == D3DPT_LINELIST) n = count * 2;
+    if (type == D3DPT_LINESTRIP) n = count + 1;
+    if (type == D3DPT_POINTLIST) n = count;
+    const auto* bytes = static_cast<const std::uint8_t*>(vertices);
+    upVertices_.emplace_back(bytes, bytes + std::size_t(n) * stride);
     return D3D_OK;
   }
 
