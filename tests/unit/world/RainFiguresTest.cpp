@@ -1,34 +1,18 @@
 // Rain and the flock: the drop's three states and its rebirth, the wing beat,
 // the figures' turn rules and height sort, and the quads both draw.
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdlib>
-#include <memory>
 
+#include "WorldFixture.h"
 #include "platform/crt/crt.h"
-#include "support/RecordingDevice.h"
-#include "terrain/Terrain.h"
-#include "terrain/Vertex.h"
-#include "view/Player.h"
 
 namespace {
 
-// A CTerrain in zero-filled storage as inside g_App, with a player to centre on.
-class RainFigures : public ::testing::Test {
+class RainFigures : public karvo_test::WorldFixture {
  protected:
   void SetUp() override {
-    terrain->SetDevice(&device, true);
-    ASSERT_TRUE(player.SetCameraMode(CAM_MODE_1ST_PERSON));
+    WorldFixture::SetUp();
     for (CRainDrop& drop : terrain->m_rain) drop.m_y = 5000.0f;  // all falling, none reborn
   }
-  void TearDown() override { terrain->~CTerrain(); }
-
-  std::unique_ptr<void, decltype(&std::free)> storage_{std::calloc(1, sizeof(CTerrain)),
-                                                       &std::free};
-  CTerrain* terrain = new (storage_.get()) CTerrain();
-  karvo_test::RecordingDevice device;
-  CPlayer player;
 };
 
 TEST_F(RainFigures, DropFallsRestsOrIsRebornAroundThePlayer) {
@@ -45,15 +29,15 @@ TEST_F(RainFigures, DropFallsRestsOrIsRebornAroundThePlayer) {
     terrain->m_rain[5] = {7.0f, c[0], 9.0f};
     terrain->m_rainEnabled = c[1] != 0;
     crt::srand(1);
-    terrain->UpdateRain(player.GetCamera());
+    terrain->UpdateRain(camera);
     const CRainDrop& d = terrain->m_rain[5];
     EXPECT_TRUE(d.m_x == c[2] && d.m_y == c[3] && d.m_z == c[4])
         << d.m_x << " " << d.m_y << " " << d.m_z;
     EXPECT_EQ(crt::randState(), stateAfter) << c[0];
   }
   // A streak 1 wide across the line to the player, 32 high; none on the player.
-  terrain->DrawRainDrop(958.5f, 1200.0f, 50.0f, player.GetCamera());
-  terrain->DrawRainDrop(958.5f, 1200.0f, 12.25f, player.GetCamera());
+  terrain->DrawRainDrop(958.5f, 1200.0f, 50.0f, camera);
+  terrain->DrawRainDrop(958.5f, 1200.0f, 12.25f, camera);
   ASSERT_EQ(device.Count("DrawPrimitiveUP"), 1u);
   const auto quad = device.UpVertices<CVertex>(0);
   EXPECT_TRUE(quad[0].m_x == 958.0f && quad[2].m_x == 959.0f && quad[2].m_y == 1232.0f &&
