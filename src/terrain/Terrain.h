@@ -12,8 +12,9 @@
 //   TerrainBlocks.cpp    AddBlockMeshes, BuildBlockMeshes
 //   TerrainHeight.cpp    GetHeight, UpdatePlayer, UpdateCamera
 //   TerrainRender.cpp    Render
-//   scene and water files, and src/world/*: RenderScene, DrawWater, the placing,
-//                        updating and drawing of the object arrays
+//   TerrainScene.cpp     RenderScene and its two groups of objects
+//   water files, and src/world/*: DrawWater, the placing, updating and drawing
+//                        of the object arrays (Plants.cpp, Skyscrapers.cpp, ...)
 #pragma once
 
 #include <cstdint>
@@ -37,9 +38,11 @@ class CTerrain {
   static constexpr int MAX_FLOWERS = 10000;
   // Grid cells on a side of one block, and what follows from it.
   static constexpr std::uint32_t BLOCK_CELLS = 36;
-  static constexpr std::uint32_t BLOCK_SIDE_VERTICES = BLOCK_CELLS + 1;                        // 37
-  static constexpr std::uint32_t BLOCK_VERTICES = BLOCK_SIDE_VERTICES * BLOCK_SIDE_VERTICES;   // 1369
-  static constexpr std::uint32_t BLOCK_INDICES = BLOCK_CELLS * 2 * BLOCK_SIDE_VERTICES + BLOCK_CELLS - 1;  // 2699
+  static constexpr std::uint32_t BLOCK_SIDE_VERTICES = BLOCK_CELLS + 1;  // 37
+  static constexpr std::uint32_t BLOCK_VERTICES =
+      BLOCK_SIDE_VERTICES * BLOCK_SIDE_VERTICES;  // 1369
+  static constexpr std::uint32_t BLOCK_INDICES =
+      BLOCK_CELLS * 2 * BLOCK_SIDE_VERTICES + BLOCK_CELLS - 1;  // 2699
 
   CTerrain();
   virtual ~CTerrain();
@@ -89,11 +92,16 @@ class CTerrain {
   void UpdateRain(CCamera* camera);
   void DrawRainDrop(float x, float y, float z, CCamera* camera);
   void DrawSkyscrapers();
+  // One pass of adjacent exchanges a frame, far to near from the player.
   void SortTrees(CCamera* camera);
   void SortWeeds(CCamera* camera);
+  // Upright quads turned about the foot towards the player (camera's player).
   void DrawTree(float x, float y, float z, std::int32_t kind, float size, CCamera* camera);
   void DrawWeed(float x, float y, float z, std::int32_t kind, float size, CCamera* camera);
+  // Two stems and a flat head, fixed axes.
   void DrawFlower(float x, float y, float z, std::int32_t kind, float size);
+  // Euclidean distance; the sum of squares is held in a float.
+  static float PointDistance(float x1, float y1, float z1, float x2, float y2, float z2);
   void UpdateWings();
   void UpdateFigures();
   void SortFigures();
@@ -139,4 +147,19 @@ class CTerrain {
   CFlyingFigure m_figures[MAX_FIGURES];
   CPlantRecord m_flowers[MAX_FLOWERS];
   std::int32_t m_flowerCount;
+
+ private:
+  // The scene's two groups: towers, rain, figures, flowers and trees above
+  // the water; the weeds below it. RenderScene puts one before the water and
+  // the other after it.
+  void DrawUpperGroup(CCamera* camera);
+  void DrawLowerGroup(CCamera* camera);
+  // Stage 0 alpha = texture alpha times diffuse alpha, before each object loop.
+  void SetObjectAlpha();
+  // The upright quad of a tree or weed; texture null binds nothing and
+  // visible false sends all-zero vertices.
+  void DrawBillboard(float x, float y, float z, float width, IDirect3DTexture9* texture,
+                     bool visible, CCamera* camera);
+  // One pass of adjacent exchanges over records, far to near from viewer.
+  static void SortPass(CPlantRecord* records, std::int32_t count, const D3DXVECTOR3& viewer);
 };

@@ -3,6 +3,8 @@
 // and a flower meadow. Pure logic on the height map and the shared random
 // sequence; the five steps run in a fixed order so that one map always gives
 // one world.
+#include <cstdio>
+
 #include "platform/crt/crt.h"
 #include "terrain/Terrain.h"
 
@@ -10,14 +12,16 @@ namespace {
 
 // Candidate positions of trees and weeds: multiples of 10 from 0 to 16430.
 constexpr int GRID_STEPS = 1644;
-constexpr float TREE_GROUND = 900.0f;    // trees and flowers need more than this
-constexpr float WEED_GROUND = 770.0f;    // weeds need less than this
-constexpr float TREE_SINK = 50.0f;       // a tree's foot sits this far underground
+constexpr float TREE_GROUND = 900.0f;  // trees and flowers need more than this
+constexpr float WEED_GROUND = 770.0f;  // weeds need less than this
+constexpr float TREE_SINK = 50.0f;     // a tree's foot sits this far underground
 constexpr float WEED_SINK = 25.0f;
 constexpr float FLOWER_LIFT = 1.0f;
 constexpr int FLOWERS_IN_USE = 300;
 // A map with hardly any sea floor would keep a weed slot drawing for ever;
-// after this many refused candidates the slot takes its last candidate.
+// after this many refused candidates the slot takes its last candidate. Such a
+// map has no room for weeds at all, so once a slot has reached the bound the
+// remaining slots take their first candidate instead of a million more each.
 constexpr int WEED_TRIES = 1000000;
 
 // The two towers' footprints with a margin of 200; every side is strict.
@@ -26,7 +30,9 @@ bool InTowerZone(int x, int z) {
   return (x > 1800 && x < 4200) || (x > 5800 && x < 8200);
 }
 
-float Whole(int value) { return static_cast<float>(value); }
+float Whole(int value) {
+  return static_cast<float>(value);
+}
 
 }  // namespace
 
@@ -48,6 +54,7 @@ void CTerrain::PlaceTrees() {
 }
 
 void CTerrain::PlaceWeeds() {
+  int tryLimit = WEED_TRIES;
   for (int i = 0; i < MAX_WEEDS; ++i) {
     for (int tries = 1;; ++tries) {
       const int x = (crt::rand() % GRID_STEPS) * 10;
@@ -55,7 +62,14 @@ void CTerrain::PlaceWeeds() {
       const int size = crt::rand() % 50 + 40;
       const float ground = GetHeight(Whole(x), Whole(z), false);
       const bool refused = ground >= WEED_GROUND || InTowerZone(x, z);
-      if (refused && tries < WEED_TRIES) continue;
+      if (refused && tries < tryLimit) continue;
+      if (refused && tryLimit > 1) {
+        std::fprintf(stderr,
+                     "CTerrain::PlaceWeeds: no sea floor below %.1f in %d tries for weed %d; "
+                     "it and the weeds after it stand where they were drawn\n",
+                     WEED_GROUND, WEED_TRIES, i);
+        tryLimit = 1;
+      }
       const int kind = (crt::rand() % 2 == 0) ? 1 : 2;
       m_weeds[i] = {Whole(x), ground - WEED_SINK, Whole(z), kind, Whole(size)};
       break;

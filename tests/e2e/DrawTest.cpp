@@ -8,16 +8,16 @@
 // dark blue. A pixel's colour then tells what it shows: ground, sky, the
 // clear colour (a gap), or something else (the body box).
 #include <gtest/gtest.h>
+#include <stb/stb_image.h>
+#include <stb/stb_image_write.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include <stb/stb_image.h>
-#include <stb/stb_image_write.h>
 
 namespace fs = std::filesystem;
 
@@ -38,26 +38,35 @@ struct Image {
 };
 
 // What a pixel of a marked frame shows.
-enum class Kind { Ground, Sky, Clear, Other };
+enum class Kind { Ground, Sky, Clear, Wall, Wall2, Flower, BigTree, Other };
 
 constexpr Rgb kSky = {0, 0, 160};
 constexpr Rgb kClear = {0x79, 0xD3, 0xFF};
+constexpr Rgb kWall = {0, 255, 0}, kWall2 = {255, 255, 0}, kFlower = {255, 0, 255},
+              kBigTree = {255, 128, 0};
 
 bool Near(Rgb a, Rgb b, int tolerance) {
-  return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
+  return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance &&
+         std::abs(a.b - b.b) <= tolerance;
 }
 
 Kind Classify(Rgb p) {
   if (p.r > 200 && p.g < 50 && p.b < 50) return Kind::Ground;
   if (Near(p, kSky, 24)) return Kind::Sky;
   if (Near(p, kClear, 3)) return Kind::Clear;
+  // The walls may be translucent over what lies behind them (blending left
+  // on by the weeds): told apart by hue.
+  if (p.g > 120 && p.r < p.g * 6 / 10 && p.b < 90) return Kind::Wall;
+  if (p.r > 120 && p.g > 120 && std::abs(p.r - p.g) < 40 && p.b < 90) return Kind::Wall2;
+  if (Near(p, kFlower, 40)) return Kind::Flower;
+  if (Near(p, kBigTree, 40)) return Kind::BigTree;
   return Kind::Other;
 }
 
 // Share of the pixels of the rows [top, bottom) (fractions of the height)
 // that are of kind.
-double Share(const Image& image, Kind kind, double top = 0.0, double bottom = 1.0, double left = 0.0,
-             double right = 1.0) {
+double Share(const Image& image, Kind kind, double top = 0.0, double bottom = 1.0,
+             double left = 0.0, double right = 1.0) {
   const int y0 = static_cast<int>(top * image.height), y1 = static_cast<int>(bottom * image.height);
   const int x0 = static_cast<int>(left * image.width), x1 = static_cast<int>(right * image.width);
   long count = 0, total = 0;
@@ -95,6 +104,17 @@ fs::path WorkDir() {
   return dir;
 }
 
+// A keyed picture of one colour; alpha 0 gives white, the key colour.
+void WriteFlatPng(const fs::path& path, Rgb colour, unsigned char alpha) {
+  std::vector<unsigned char> pixels;
+  for (int i = 0; i < 16 * 16; ++i)
+    pixels.insert(pixels.end(), {static_cast<unsigned char>(alpha ? colour.r : 255),
+                                 static_cast<unsigned char>(alpha ? colour.g : 255),
+                                 static_cast<unsigned char>(alpha ? colour.b : 255), alpha});
+  fs::remove(path);
+  ASSERT_TRUE(stbi_write_png(path.c_str(), 16, 16, 4, pixels.data(), 64)) << path;
+}
+
 void WriteFlatJpg(const fs::path& path, Rgb colour) {
   std::vector<unsigned char> pixels(64 * 64 * 3);
   for (std::size_t i = 0; i < pixels.size(); i += 3) {
@@ -106,8 +126,14 @@ void WriteFlatJpg(const fs::path& path, Rgb colour) {
   ASSERT_TRUE(stbi_write_jpg(path.c_str(), 64, 64, 3, pixels.data(), 100)) << path;
 }
 
+// How the world's objects look in a copy of the assets: as generated; or the
+// towers and flower heads flat colours with the plants as generated, or
+// invisible, or only the broadleaf picture (which the big tree shows) flat.
+enum class Objects { Real, RealPlants, Marked, BigTree };
+
 // A copy of the generated assets made of links, with some images replaced.
-fs::path AssetVariant(const std::string& name, bool markGroundAndSky) {
+fs::path AssetVariant(const std::string& name, bool markGroundAndSky,
+                      Objects objects = Objects::Real) {
   const fs::path source = fs::current_path();  // the test runs in the assets folder
   const fs::path target = WorkDir() / name;
   if (fs::exists(target)) return target;
@@ -125,19 +151,34 @@ fs::path AssetVariant(const std::string& name, bool markGroundAndSky) {
       WriteFlatJpg(target / "Data" / (std::string("SkyBox_") + face + ".jpg"), kSky);
     }
   }
+  if (objects != Objects::Real) {
+    WriteFlatJpg(target / "Data" / "skyscraperwall.jpg", kWall);
+    WriteFlatJpg(target / "Data" / "skyscraperwall2.jpg", kWall2);
+    for (const std::string plant : {"tree.png", "tree3.png", "weads4.png", "weads5.png"}) {
+      const bool bigTree = objects == Objects::BigTree && plant == "tree.png";
+      if (objects != Objects::RealPlants)
+        WriteFlatPng(target / "Data" / plant, kBigTree, bigTree ? 255 : 0);
+    }
+    for (const char* flower : {"flower1.png", "flower2.png", "flower3.png"})
+      WriteFlatPng(target / "Data" / flower, kFlower, 255);
+  }
   return target;
 }
 
-fs::path MarkedAssets() { return AssetVariant("marked", true); }
-fs::path FlatDetailAssets() { return AssetVariant("flat-detail", false); }
+fs::path MarkedAssets() {
+  return AssetVariant("marked", true, Objects::Marked);
+}
+fs::path FlatDetailAssets() {
+  return AssetVariant("flat-detail", false);
+}
 
 // Runs the capture tool in assets with the arguments and reads back frame.
 Image Capture(const fs::path& assets, const std::string& name, const std::string& args, int frame) {
   const fs::path out = WorkDir() / "frames";
   fs::create_directories(out);
   const std::string command = "cd '" + assets.string() + "' && '" KARVO_CAPTURE "' --frames " +
-                              std::to_string(frame) + " " + args + " --out '" + out.string() + "' --prefix " + name +
-                              " > /dev/null";
+                              std::to_string(frame) + " " + args + " --out '" + out.string() +
+                              "' --prefix " + name + " > /dev/null";
   const int status = std::system(command.c_str());
   EXPECT_EQ(status, 0) << command;
   char file[64];
@@ -175,8 +216,15 @@ TEST(Draw, StartViewShowsSkyAboveAndGroundBelowWithNoGaps) {
   // The first look is 25 degrees down: ground in the lower part, sky above
   // it, where the far mountains may reach into the top rows.
   EXPECT_GT(Share(image, Kind::Ground, 0.75, 1.0), 0.95);
-  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.5);
-  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1) + Share(image, Kind::Ground, 0.0, 0.1), 0.99);
+  // The towers rise into the top rows.
+  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.1);
+  EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1) + Share(image, Kind::Ground, 0.0, 0.1) +
+                Share(image, Kind::Wall, 0.0, 0.1) + Share(image, Kind::Wall2, 0.0, 0.1),
+            0.99);
+  // Both towers stand on the start side; flowers dot the meadow at the feet.
+  EXPECT_GT(Share(image, Kind::Wall), 0.005);
+  EXPECT_GT(Share(image, Kind::Wall2), 0.0005);
+  EXPECT_GT(Share(image, Kind::Flower, 0.25, 1.0) * image.width * image.height, 20.0);
   // The clear colour must never show: the sky box closes round the eye.
   EXPECT_EQ(Share(image, Kind::Clear), 0.0);
 
@@ -221,7 +269,8 @@ TEST(Draw, ThirdPersonShowsTheColouredBodyBox) {
   EXPECT_EQ(Share(third, Kind::Clear), 0.0);
 
   const Image first = Capture(MarkedAssets(), "first", "", 60);
-  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7), Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
+  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7),
+            Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
 }
 
 TEST(Draw, LookingUpShowsNoGround) {
@@ -229,5 +278,24 @@ TEST(Draw, LookingUpShowsNoGround) {
   const Image image = Capture(MarkedAssets(), "up", "--hold q:1-240", 240);
   ASSERT_GT(image.width, 0);
   EXPECT_EQ(Share(image, Kind::Ground), 0.0);
-  EXPECT_GT(Share(image, Kind::Sky), 0.95);
+  EXPECT_GT(Share(image, Kind::Sky) + Share(image, Kind::Wall) + Share(image, Kind::Wall2), 0.95);
+}
+
+TEST(Draw, TreesShowNoKeyColourAndTheBigTreeStopsTheWalker) {
+  // The high ground's trees fill the top of the start view; where their
+  // pictures are keyed out, not one white texel may show.
+  const Image trees = Capture(AssetVariant("trees", true, Objects::RealPlants), "trees", "", 1);
+  EXPECT_GT(Share(trees, Kind::Other, 0.0, 0.25), 0.08);
+  long white = 0;
+  for (int y = 0; y < trees.height / 2; ++y)
+    for (int x = 0; x < trees.width; ++x) white += Near(trees.At(x, y), {255, 255, 255}, 12);
+  EXPECT_EQ(white, 0);
+
+  // Turned north, the walker reaches the big tree at (1500, 7000), 5500
+  // ahead, after some 90 frames of this walk, and cannot pass it: 80 frames
+  // later it still stands before the eye.
+  const std::string walk = "--step 0.5 --hold left:1-90 --hold up:91-260";
+  const Image big =
+      Capture(AssetVariant("big-tree", true, Objects::BigTree), "big-tree", walk, 260);
+  EXPECT_GT(Share(big, Kind::BigTree, 0.0, 0.07, 0.35, 0.95), 0.9);  // near: half the width
 }

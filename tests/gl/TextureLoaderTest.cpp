@@ -190,6 +190,13 @@ TEST_F(TextureLoaderTest, SizesRoundUpToPowersOfTwoWithAFullMipChain) {
   ASSERT_EQ(texture->GetLevelCount(), 2u);
   EXPECT_TRUE(ColorNear(Texels(texture, 1)[0] | 0xFF000000u, 0xFF808080, 1));
   texture->Release();
+  // A leaf texel among keyed ones keeps its colour down the chain, its alpha
+  // averaged: the key's black does not darken the edge into a fringe.
+  std::string leaf = Png("leaf.png", 2, 2, 4,
+                         {34, 136, 51, 255, 255, 255, 255, 0, 255, 255, 255, 0, 255, 255, 255, 0});
+  ASSERT_EQ(Load(leaf, 0x00FFFFFF, &texture), D3D_OK);
+  EXPECT_EQ(Texels(texture, 1)[0], 0x40228833u);
+  texture->Release();
 }
 
 TEST_F(TextureLoaderTest, BadFilesGiveANegativeResultAndNoTexture) {

@@ -214,7 +214,19 @@ class RecordingDevice : public IDirect3DDevice9 {
     return out;
   }
   std::size_t Count(const std::string& method) const { return CallsNamed(method).size(); }
-  void ClearLog() { log_->calls.clear(); }
+  void ClearLog() {
+    log_->calls.clear();
+    upVertices_.clear();
+  }
+  // The vertices of the draw-th DrawPrimitiveUP since the last ClearLog, read
+  // back as the caller's vertex type.
+  template <class Vertex>
+  std::vector<Vertex> UpVertices(std::size_t draw) const {
+    const std::vector<std::uint8_t>& bytes = upVertices_.at(draw);
+    std::vector<Vertex> out(bytes.size() / sizeof(Vertex));
+    if (!out.empty()) std::memcpy(out.data(), bytes.data(), out.size() * sizeof(Vertex));
+    return out;
+  }
   // Makes every buffer and texture Lock fail with `hr` (D3D_OK: succeed again).
   void SetLockResult(HRESULT hr) { log_->lockResult = hr; }
 
@@ -360,7 +372,15 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices, UINT stride) override {
     Log("DrawPrimitiveUP", {double(type), double(count), double(stride)});
-    return vertices == nullptr || count == 0 || stride == 0 ? D3DERR_INVALIDCALL : D3D_OK;
+    if (vertices == nullptr || count == 0 || stride == 0) return D3DERR_INVALIDCALL;
+    UINT n = count + 2;  // strips and fans
+    if (type == D3DPT_TRIANGLELIST) n = count * 3;
+    if (type == D3DPT_LINELIST) n = count * 2;
+    if (type == D3DPT_LINESTRIP) n = count + 1;
+    if (type == D3DPT_POINTLIST) n = count;
+    const auto* bytes = static_cast<const std::uint8_t*>(vertices);
+    upVertices_.emplace_back(bytes, bytes + std::size_t(n) * stride);
+    return D3D_OK;
   }
 
  private:
@@ -401,6 +421,7 @@ class RecordingDevice : public IDirect3DDevice9 {
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;
   std::map<DWORD, D3DMATRIX> transforms_;
+  std::vector<std::vector<std::uint8_t>> upVertices_;
   IDirect3DVertexBuffer9* stream_ = nullptr;
   IDirect3DIndexBuffer9* indices_ = nullptr;
   D3DPRESENT_PARAMETERS lastReset_{};

@@ -125,24 +125,58 @@ bool WriteBaseTexture(const std::string& path, const Landscape& map)
 
 bool WriteDetailTexture(const std::string& path)
 {
-    // Small-scale ground grain: soft blotches and a finer pebbly grain,
-    // tiling in both directions, then shifted so that its mean is exactly 128
-    // and ADDSIGNED leaves the base colour's brightness unchanged on average.
-    constexpr int size = 256;
+    // The ground at the walker's feet: the picture repeats every 6 cells (384
+    // units), so one texel is 0.75 units and the eye, 10 above the ground,
+    // sees single texels near its feet. Soft patches alone read there as an
+    // even smear; what reads as grass and soil is grain at the scale of a
+    // texel: blades (short strokes, lit at one end and shadowed along one
+    // side), specks of soil and a per-texel jitter, over gentle patches.
+    // Everything wraps around the edges, so the tiles meet without a seam, and
+    // the mean is shifted to exactly 128 so that ADDSIGNED keeps the base
+    // colour's brightness on average (and far off, where the mips average the
+    // grain away, nothing changes at all).
+    constexpr int size = 512;
     std::vector<float> value(static_cast<size_t>(size) * size);
-    double sum = 0.0;
+    const auto at = [&](int x, int y) -> float& {
+        return value[static_cast<size_t>((y % size + size) % size) * size + (x % size + size) % size];
+    };
+    Random rng(0xD37A11);
     for (int y = 0; y < size; ++y) {
         for (int x = 0; x < size; ++x) {
-            const float u = x * 8.0f / size;
-            const float v = y * 8.0f / size;
-            const float blotch = TileFbm(u, v, 0.5f, 8, 5);
-            const float grain = TileFbm(u * 4.0f, v * 4.0f, 4.5f, 32, 2);
-            const float f = 26.0f * blotch + 9.0f * grain;
-            value[static_cast<size_t>(y) * size + x] = f;
-            sum += f;
+            const float u = x * 4.0f / size;
+            const float v = y * 4.0f / size;
+            const float patches = TileFbm(u, v, 0.5f, 4, 4);
+            at(x, y) = 12.0f * patches + 24.0f * static_cast<float>(rng.Unit() - 0.5);
         }
     }
-    const float mean = static_cast<float>(sum / (size * size));
+    // Blades: a stroke of 3 to 10 texels, darker at its root and lighter at
+    // its tip, with a shadow beside it.
+    for (int i = 0; i < 14000; ++i) {
+        const float x0 = static_cast<float>(rng.Range(0, size));
+        const float y0 = static_cast<float>(rng.Range(0, size));
+        const float angle = static_cast<float>(rng.Range(0, 6.2831853));
+        const int length = 3 + rng.Below(8);
+        const float dx = std::cos(angle), dy = std::sin(angle);
+        const float strength = static_cast<float>(rng.Range(0.6, 1.0));
+        for (int t = 0; t < length; ++t) {
+            const float along = static_cast<float>(t) / static_cast<float>(length - 1);
+            const int x = static_cast<int>(std::floor(x0 + dx * t));
+            const int y = static_cast<int>(std::floor(y0 + dy * t));
+            at(x, y) += strength * (-30.0f + 76.0f * along);
+            at(x + (dy > 0 ? 1 : -1), y) -= strength * 20.0f;
+        }
+    }
+    // Specks of soil and small stones, one to three texels across.
+    for (int i = 0; i < 1800; ++i) {
+        const int x0 = rng.Below(size), y0 = rng.Below(size);
+        const float shade = rng.Unit() < 0.7 ? -50.0f : 40.0f;
+        const int radius = rng.Below(2);
+        for (int y = -radius; y <= radius; ++y)
+            for (int x = -radius; x <= radius; ++x) at(x0 + x, y0 + y) += shade;
+    }
+    double sum = 0.0;
+    for (float f : value) sum += f;
+    const float mean = static_cast<float>(sum / value.size());
     std::vector<uint8_t> rgb(static_cast<size_t>(size) * size * 3);
     for (size_t i = 0; i < value.size(); ++i) {
         const uint8_t g = static_cast<uint8_t>(std::clamp(std::lround(128.0f + value[i] - mean), 0L, 255L));

@@ -42,6 +42,12 @@ void AllowReset(IDirect3DDevice9* device);
 struct FrameStats {
   std::uint32_t glDrawCalls = 0;          // GL draw calls since the last Present
   std::uint32_t lastFrameGlDrawCalls = 0;  // GL draw calls of the frame before it
+  // DrawPrimitiveUP calls, and the GL draws they became, since the last
+  // Present and in the frame before it: how well the merging works.
+  std::uint32_t upCalls = 0;
+  std::uint32_t upGlDraws = 0;
+  std::uint32_t lastFrameUpCalls = 0;
+  std::uint32_t lastFrameUpGlDraws = 0;
   std::uint32_t presents = 0;
   std::uint32_t shaderPrograms = 0;  // generated programs in the cache
 };

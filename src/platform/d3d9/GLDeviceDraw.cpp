@@ -300,6 +300,7 @@ void GLDevice::FlushBatch() {
     glVertexAttribIPointer(kAttrSlot, 1, GL_UNSIGNED_BYTE, 1, reinterpret_cast<const void*>(sOff));
     glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_INT, reinterpret_cast<const void*>(iOff));
     ++stats_.glDrawCalls;
+    ++stats_.upGlDraws;
   }
   for (int i = 0; i < b.textureCount; ++i) {
     b.textures[i]->Release();
@@ -321,6 +322,7 @@ void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* 
   BindVertexLayout(streamVb_, layout, stride, off, false);
   glDrawArrays(ModeOf(type), 0, GLsizei(n));
   ++stats_.glDrawCalls;
+  ++stats_.upGlDraws;
 }
 
 HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
@@ -336,6 +338,7 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
     streamOffset_ = streamStride_ = 0;
   }
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
+  ++stats_.upCalls;
   if (type != D3DPT_TRIANGLELIST && type != D3DPT_TRIANGLESTRIP && type != D3DPT_TRIANGLEFAN) {
     FlushBatch();
     DrawUnbatched(type, primCount, data, stride);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include <utility>
+
 #include "platform/d3d9/GLDevice.h"
 
 namespace d3d9gl {
@@ -336,8 +338,9 @@ HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void
   }
   SDL_GL_SwapWindow(window);
   glBindFramebuffer(GL_FRAMEBUFFER, fbo_);
-  stats_.lastFrameGlDrawCalls = stats_.glDrawCalls;
-  stats_.glDrawCalls = 0;
+  stats_.lastFrameGlDrawCalls = std::exchange(stats_.glDrawCalls, 0);
+  stats_.lastFrameUpCalls = std::exchange(stats_.upCalls, 0);
+  stats_.lastFrameUpGlDraws = std::exchange(stats_.upGlDraws, 0);
   ++stats_.presents;
   return D3D_OK;
 }

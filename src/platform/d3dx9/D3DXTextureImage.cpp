@@ -21,7 +21,9 @@ constexpr int kMaxSide = 16384;
 // Files above this size are refused before reading.
 constexpr long kMaxFileBytes = 256L * 1024 * 1024;
 
-bool IsJpeg(const std::uint8_t* b, std::size_t n) { return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF; }
+bool IsJpeg(const std::uint8_t* b, std::size_t n) {
+  return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF;
+}
 bool IsPng(const std::uint8_t* b, std::size_t n) {
   static const std::uint8_t sig[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
   return n >= 8 && std::memcmp(b, sig, 8) == 0;
@@ -54,6 +56,49 @@ bool JpegIsComplete(const std::uint8_t* b, std::size_t n) {
   return false;
 }
 
+std::uint32_t Channel(std::uint32_t argb, int shift) {
+  return (argb >> shift) & 0xFF;
+}
+
+// Filtering a keyed picture must not mix in the colour of its transparent
+// texels (black after the key): that darkens every edge of a leaf or petal
+// into a fringe, level by level down the mip chain. So colours are averaged
+// weighted by their alpha, and alpha plainly. Where all four texels have the
+// same alpha (an opaque picture) this is the plain average, to the bit.
+std::uint32_t WeightedByAlpha(const std::uint32_t (&t)[4], const float (&w)[4]) {
+  const bool sameAlpha = Channel(t[0], 24) == Channel(t[1], 24) &&
+                         Channel(t[0], 24) == Channel(t[2], 24) &&
+                         Channel(t[0], 24) == Channel(t[3], 24);
+  float weight[4], total = 0.0f, alpha = 0.0f;
+  for (int i = 0; i < 4; ++i) {
+    weight[i] = sameAlpha ? w[i] : w[i] * float(Channel(t[i], 24));
+    total += weight[i];
+    alpha += w[i] * float(Channel(t[i], 24));
+  }
+  std::uint32_t out = std::uint32_t(std::clamp(alpha + 0.5f, 0.0f, 255.0f)) << 24;
+  if (total <= 0.0f) return out;  // transparent all round: transparent black stays
+  for (int shift = 0; shift < 24; shift += 8) {
+    float v = 0.0f;
+    for (int i = 0; i < 4; ++i) v += weight[i] * float(Channel(t[i], shift));
+    out |= std::uint32_t(std::clamp(v / total + 0.5f, 0.0f, 255.0f)) << shift;
+  }
+  return out;
+}
+
+// The 2x2 box of a mip level, rounded to nearest, colours weighted by alpha.
+std::uint32_t BoxByAlpha(const std::uint32_t (&t)[4]) {
+  std::uint32_t alphaSum = 0;
+  for (std::uint32_t v : t) alphaSum += Channel(v, 24);
+  std::uint32_t out = ((alphaSum + 2) / 4) << 24;
+  if (alphaSum == 0) return out;
+  for (int shift = 0; shift < 24; shift += 8) {
+    std::uint32_t sum = alphaSum / 2;
+    for (std::uint32_t v : t) sum += Channel(v, shift) * Channel(v, 24);
+    out |= (sum / alphaSum) << shift;
+  }
+  return out;
+}
+
 std::string ForwardSlashes(std::string path) {
   std::replace(path.begin(), path.end(), '\\', '/');
   return path;
@@ -70,7 +115,8 @@ std::string PlainReason(const char* stbReason) {
 
 }  // namespace
 
-bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage& out, std::string& error) {
+bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage& out,
+                       std::string& error) {
   out = DecodedImage{};
   if (bytes == nullptr || size == 0) {
     error = "the file is empty";
@@ -101,8 +147,8 @@ bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage
     error = "the picture is too large";
     return false;
   }
-  std::unique_ptr<stbi_uc, void (*)(void*)> rgba(stbi_load_from_memory(bytes, int(size), &w, &h, &comp, 4),
-                                                 stbi_image_free);
+  std::unique_ptr<stbi_uc, void (*)(void*)> rgba(
+      stbi_load_from_memory(bytes, int(size), &w, &h, &comp, 4), stbi_image_free);
   if (!rgba) {
     error = PlainReason(stbi_failure_reason());
     return false;
@@ -114,8 +160,8 @@ bool DecodeImageMemory(const std::uint8_t* bytes, std::size_t size, DecodedImage
   const stbi_uc* p = rgba.get();
   for (std::size_t i = 0; i < out.image.texels.size(); ++i, p += 4) {
     // A file without alpha reads as opaque: stb fills 0xFF there already.
-    out.image.texels[i] = (std::uint32_t(p[3]) << 24) | (std::uint32_t(p[0]) << 16) | (std::uint32_t(p[1]) << 8) |
-                          std::uint32_t(p[2]);
+    out.image.texels[i] = (std::uint32_t(p[3]) << 24) | (std::uint32_t(p[0]) << 16) |
+                          (std::uint32_t(p[1]) << 8) | std::uint32_t(p[2]);
   }
   return true;
 }
@@ -187,15 +233,9 @@ ArgbImage Resample(const ArgbImage& src, std::uint32_t width, std::uint32_t heig
       float fx = std::clamp((float(x) + 0.5f) * sx - 0.5f, 0.0f, float(src.width - 1));
       std::uint32_t x0 = std::uint32_t(fx), x1 = std::min(x0 + 1, src.width - 1);
       float wx = fx - float(x0);
-      std::uint32_t a = src.At(x0, y0), b = src.At(x1, y0), c = src.At(x0, y1), d = src.At(x1, y1);
-      std::uint32_t out = 0;
-      for (int shift = 0; shift < 32; shift += 8) {
-        float ca = float((a >> shift) & 0xFF), cb = float((b >> shift) & 0xFF);
-        float cc = float((c >> shift) & 0xFF), cd = float((d >> shift) & 0xFF);
-        float top = ca + (cb - ca) * wx, bottom = cc + (cd - cc) * wx;
-        float v = top + (bottom - top) * wy;
-        out |= std::uint32_t(std::clamp(v + 0.5f, 0.0f, 255.0f)) << shift;
-      }
+      const std::uint32_t t[4] = {src.At(x0, y0), src.At(x1, y0), src.At(x0, y1), src.At(x1, y1)};
+      const float w[4] = {(1 - wx) * (1 - wy), wx * (1 - wy), (1 - wx) * wy, wx * wy};
+      const std::uint32_t out = WeightedByAlpha(t, w);
       dst.texels[std::size_t(y) * width + x] = out;
     }
   }
@@ -212,13 +252,8 @@ ArgbImage HalveBox(const ArgbImage& src) {
     std::uint32_t y0 = std::min(2 * y, src.height - 1), y1 = std::min(2 * y + 1, src.height - 1);
     for (std::uint32_t x = 0; x < dst.width; ++x) {
       std::uint32_t x0 = std::min(2 * x, src.width - 1), x1 = std::min(2 * x + 1, src.width - 1);
-      std::uint32_t t[4] = {src.At(x0, y0), src.At(x1, y0), src.At(x0, y1), src.At(x1, y1)};
-      std::uint32_t out = 0;
-      for (int shift = 0; shift < 32; shift += 8) {
-        std::uint32_t sum = 2;  // rounds to nearest
-        for (std::uint32_t v : t) sum += (v >> shift) & 0xFF;
-        out |= (sum / 4) << shift;
-      }
+      const std::uint32_t t[4] = {src.At(x0, y0), src.At(x1, y0), src.At(x0, y1), src.At(x1, y1)};
+      const std::uint32_t out = BoxByAlpha(t);
       dst.texels[std::size_t(y) * dst.width + x] = out;
     }
   }

@@ -32,8 +32,11 @@ class TerrainRender : public ::testing::Test {
     AddBlock(1, 0.0f, -400.0f);    // behind
     AddBlock(2, 300.0f, 1200.0f);  // ahead, further
     terrain->m_blockPrimitiveCount = 2697;
-    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED, &terrain->m_baseTexture, nullptr), 0);
-    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED, &terrain->m_detailTexture, nullptr),
+    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED,
+                                   &terrain->m_baseTexture, nullptr),
+              0);
+    ASSERT_GE(device.CreateTexture(4, 4, 1, 0, D3DFMT_X8R8G8B8, D3DPOOL_MANAGED,
+                                   &terrain->m_detailTexture, nullptr),
               0);
 
     ASSERT_TRUE(player.SetCameraMode(CAM_MODE_1ST_PERSON));
@@ -70,7 +73,8 @@ class TerrainRender : public ::testing::Test {
   // The ground's calls; whatever the scene draws after them is not looked at.
   DeviceCalls FirstCalls(std::size_t count) const {
     const auto& calls = device.Calls();
-    return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(std::min(count, calls.size()))};
+    return {calls.begin(),
+            calls.begin() + static_cast<std::ptrdiff_t>(std::min(count, calls.size()))};
   }
 
   RecordingDevice device;
@@ -91,17 +95,17 @@ TEST_F(TerrainRender, SinglePassDrawsVisibleBlocksOnceWithBothTextures) {
                                            {"SetTexture", {1, Ptr(terrain->m_detailTexture)}},
                                            {"SetFVF", {0x202}}} +
                                BlockDraw(0) + BlockDraw(2);
-  EXPECT_EQ(FirstCalls(expected.size()), expected);
+  const DeviceCalls firstTower{{"SetTexture", {0, 0}}};
+  EXPECT_EQ(FirstCalls(expected.size() + 1), expected + firstTower);
   EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 2u);
-  EXPECT_EQ(device.Count("SetTextureStageState"), 0u);  // stage set-up belongs to the render states
 }
 
 TEST_F(TerrainRender, MultiPassBlendsTheDetailOverTheSameBlocks) {
   terrain->SetSinglePass(false);
   terrain->Render(camera);
   const DeviceCalls expected =
-      DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_baseTexture)}}, {"SetFVF", {0x202}}} + BlockDraw(0) +
-      BlockDraw(2) +
+      DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_baseTexture)}}, {"SetFVF", {0x202}}} +
+      BlockDraw(0) + BlockDraw(2) +
       DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_detailTexture)}},
                   {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 1}},
                   {"SetRenderState", {double(D3DRS_SRCBLEND), double(D3DBLEND_DESTCOLOR)}},
@@ -147,6 +151,7 @@ TEST_F(TerrainRender, WithoutBlocksOrDeviceNothingIsDrawn) {
   terrain->SetDevice(&device, true);
   device.ClearLog();
   terrain->Render(camera);
-  EXPECT_EQ(device.Count("SetFVF"), 0u);
+  // The scene's objects draw from memory; the ground's format never comes.
+  for (const auto& call : device.CallsNamed("SetFVF")) EXPECT_NE(call.args[0], CTerrainVertex::FVF);
   EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 0u);
 }

@@ -142,6 +142,22 @@ TEST(Placement, RecordsKeepTheirRules) {
   EXPECT_EQ(terrain->m_flowers[300].m_kind, 0);
 }
 
+TEST(Placement, WeedsWithoutSeaFloorStopAtTheBoundAndSaySoOnce) {
+  auto terrain = MakeTerrain([](std::uint32_t, std::uint32_t) -> std::uint8_t { return HIGH; });
+  crt::srand(5);
+  testing::internal::CaptureStderr();
+  terrain->PlaceWeeds();
+  const std::uint32_t after = crt::randState();
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(said.find("CTerrain::PlaceWeeds"), 0u) << said;
+  EXPECT_EQ(said.find("CTerrain::PlaceWeeds", 1), std::string::npos) << said;
+  EXPECT_EQ(terrain->m_weedCount, 1000);
+  // A million tries of three draws for the first slot, four draws each after.
+  crt::srand(5);
+  for (int i = 0; i < 3 * 1000000 + 1 + 999 * 4; ++i) crt::rand();
+  EXPECT_EQ(after, crt::randState());
+}
+
 TEST(Placement, SameSeedSameWorldAndARebuildKeepsRefusedSlots) {
   auto first = MakeTerrain(HalfLand);
   auto second = MakeTerrain(HalfLand);

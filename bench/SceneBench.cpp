@@ -1,0 +1,199 @@
+// Cost of the whole scene: the real program (WinMain with the scripted win32
+// back end and a fixed clock, as the capture tool runs it) draws full frames
+// at three places: the start, facing the two towers, and on the high ground
+// among the most trees. At each place frames take turns between the whole
+// scene and the ground and sky alone (the object arrays emptied for that
+// frame; the towers' eight walls stay), and the median frame of each is
+// reported with its GL draws, the DrawPrimitiveUP calls of the objects and
+// the GL draws they were merged into, and the ratio of the two cases.
+//
+//   karvo-bench-scene [--quick] [--frames N]      (run inside the assets folder)
+//
+// A frame is timed from one frame boundary to the next, so it holds all of
+// the program's frame: input, sounds, drawing and Present. The exit status is
+// non-zero when the program fails or the object draws of a frame reach GL as
+// more than kUpDrawBudget draws; the time ratio is reported, not enforced, as
+// timings on a shared machine are noisy.
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/GameApp.h"
+#include "platform/d3d9/D3D9GLBackend.h"
+#include "platform/win32/Win32Script.h"
+#include "platform/win32/windows.h"
+
+namespace {
+
+// The sounds load while g_App is constructed, before main runs.
+__attribute__((constructor(101))) void ChooseQuietAudio() {
+  setenv("SDL_AUDIODRIVER", "dummy", 0);
+}
+
+constexpr std::uint32_t kUpDrawBudget =
+    40;                              // GL draws a frame for the towers' and plants' UP draws
+constexpr double kTimeBudget = 2.0;  // whole scene against ground and sky
+constexpr std::uint32_t kSettleFrames = 10;  // the body lands, the sorts catch up a little
+
+struct Place {
+  const char* name;
+  float x, z, yaw;  // yaw in degrees, 0 looks along +z
+};
+
+// The high ground: the tree with the most others within 1200 units, the
+// walker 300 units south of it, looking north into the wood.
+Place AmongTrees(const CTerrain& terrain) {
+  int best = 0, bestCount = -1;
+  for (int i = 0; i < terrain.m_treeCount; ++i) {
+    const CPlantRecord& a = terrain.m_trees[i];
+    if (a.m_kind == 0) continue;
+    int count = 0;
+    for (int j = 0; j < terrain.m_treeCount; ++j) {
+      const CPlantRecord& b = terrain.m_trees[j];
+      count += b.m_kind != 0 && std::hypot(a.m_x - b.m_x, a.m_z - b.m_z) < 1200.0f;
+    }
+    if (count > bestCount) best = i, bestCount = count;
+  }
+  return {"among trees", terrain.m_trees[best].m_x, terrain.m_trees[best].m_z - 300.0f, 0.0f};
+}
+
+struct Case {
+  std::vector<double> ms;
+  std::uint32_t glDraws = 0, upCalls = 0, upGlDraws = 0;
+  double Median() {
+    if (ms.empty()) return 0.0;
+    std::nth_element(ms.begin(), ms.begin() + std::ptrdiff_t(ms.size() / 2), ms.end());
+    return ms[ms.size() / 2];
+  }
+};
+
+struct Run {
+  std::uint32_t measured = 200;  // frames of each case at each place
+  std::vector<Place> places;
+  std::vector<Case> cases;  // two per place: whole scene, ground and sky
+  std::size_t place = 0;
+  std::uint32_t frameInPlace = 0;
+  bool groundOnly = false;  // the frame that just ran
+  std::chrono::steady_clock::time_point last;
+  // The object counts, kept while a ground-only frame empties them.
+  std::int32_t trees = 0, weeds = 0, flowers = 0, rain = 0;
+};
+Run s_run;
+
+std::uint32_t FramesPerPlace() {
+  return kSettleFrames + 2 * s_run.measured;
+}
+
+void GoTo(const Place& p) {
+  CPlayer& player = g_App.m_player;
+  player.SetPosition(D3DXVECTOR3(p.x, 5000.0f, p.z));  // gravity brings it down to the ground
+  player.SetVelocity(D3DXVECTOR3(0.0f, 0.0f, 0.0f));
+  player.Rotate(0.0f, p.yaw - player.GetYaw(), 0.0f);
+}
+
+void SetGroundOnly(bool groundOnly) {
+  CTerrain& t = g_App.m_terrain;
+  if (groundOnly && !s_run.groundOnly) {
+    s_run.trees = std::exchange(t.m_treeCount, 0);
+    s_run.weeds = std::exchange(t.m_weedCount, 0);
+    s_run.flowers = std::exchange(t.m_flowerCount, 0);
+    s_run.rain = std::exchange(t.m_rainCount, 0);
+  } else if (!groundOnly && s_run.groundOnly) {
+    t.m_treeCount = s_run.trees;
+    t.m_weedCount = s_run.weeds;
+    t.m_flowerCount = s_run.flowers;
+    t.m_rainCount = s_run.rain;
+  }
+  s_run.groundOnly = groundOnly;
+}
+
+// Script frame `frame` is about to run: the one before it has been presented.
+void OnFrameBoundary(std::uint32_t frame) {
+  const auto now = std::chrono::steady_clock::now();
+  const double ms = std::chrono::duration<double, std::milli>(now - s_run.last).count();
+  s_run.last = now;
+  if (frame == 0) return;  // nothing drawn yet
+
+  if (s_run.places.empty()) {
+    s_run.places = {{"start", 1500.0f, 1500.0f, 45.0f},
+                    {"facing the towers", 5000.0f, 600.0f, 0.0f},
+                    AmongTrees(g_App.m_terrain)};
+    s_run.cases.resize(2 * s_run.places.size());
+    GoTo(s_run.places[0]);
+    return;
+  }
+  // Book the frame that just ran.
+  if (s_run.frameInPlace > kSettleFrames) {
+    Case& c = s_run.cases[2 * s_run.place + (s_run.groundOnly ? 1 : 0)];
+    d3d9gl::FrameStats stats;
+    d3d9gl::GetFrameStats(g_App.m_device, stats);
+    c.ms.push_back(ms);
+    c.glDraws = std::max(c.glDraws, stats.lastFrameGlDrawCalls);
+    c.upCalls = std::max(c.upCalls, stats.lastFrameUpCalls);
+    c.upGlDraws = std::max(c.upGlDraws, stats.lastFrameUpGlDraws);
+  }
+  // Set up the next one.
+  if (++s_run.frameInPlace == FramesPerPlace()) {
+    SetGroundOnly(false);
+    s_run.frameInPlace = 0;
+    if (++s_run.place == s_run.places.size()) return;
+    GoTo(s_run.places[s_run.place]);
+    return;
+  }
+  SetGroundOnly(s_run.frameInPlace >= kSettleFrames && s_run.frameInPlace % 2 == 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string a = argv[i];
+    if (a == "--quick") {
+      s_run.measured = 5;
+    } else if (a == "--frames" && i + 1 < argc) {
+      s_run.measured = std::uint32_t(std::max(1, std::atoi(argv[++i])));
+    } else {
+      std::fprintf(stderr, "usage: %s [--quick] [--frames N]\n", argv[0]);
+      return 2;
+    }
+  }
+  win32::script::Options script;
+  script.realWindows = true;
+  script.maxFrames = 2 + 3 * FramesPerPlace();
+  win32::script::Enable(script);
+  win32::script::SetFrameCallback(OnFrameBoundary);
+  s_run.last = std::chrono::steady_clock::now();
+  const int exitCode =
+      WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
+  win32::script::SetFrameCallback(nullptr);
+  if (s_run.cases.empty() || s_run.cases.back().ms.empty()) {
+    std::fprintf(stderr, "karvo-bench-scene: the program ended early (exit code %d)\n", exitCode);
+    return 1;
+  }
+
+  std::printf("whole frames of the program, median of %u frames each\n", s_run.measured);
+  std::printf("%-18s %-14s %14s %16s %10s %10s\n", "place", "case", "GL draws", "UP calls -> GL",
+              "ms/frame", "ratio");
+  bool drawsMet = true, timeMet = true;
+  for (std::size_t p = 0; p < s_run.places.size(); ++p) {
+    Case& whole = s_run.cases[2 * p];
+    Case& ground = s_run.cases[2 * p + 1];
+    const double ratio = whole.Median() / ground.Median();
+    std::printf("%-18s %-14s %14u %9u -> %3u %10.3f %10.2f\n", s_run.places[p].name, "whole scene",
+                whole.glDraws, whole.upCalls, whole.upGlDraws, whole.Median(), ratio);
+    std::printf("%-18s %-14s %14u %9u -> %3u %10.3f %10.2f\n", "", "ground + sky", ground.glDraws,
+                ground.upCalls, ground.upGlDraws, ground.Median(), 1.0);
+    drawsMet = drawsMet && whole.upGlDraws <= kUpDrawBudget;
+    timeMet = timeMet && ratio <= kTimeBudget;
+  }
+  std::printf(
+      "targets: object draws in at most %u GL draws: %s; whole scene at most %.1fx ground + sky: "
+      "%s\n",
+      kUpDrawBudget, drawsMet ? "met" : "MISSED", kTimeBudget, timeMet ? "met" : "missed");
+  return drawsMet ? 0 : 1;
+}
