@@ -98,7 +98,8 @@ void FrontEndTurn(HWND hDlg) {
     s_presenter(hDlg, s_presenterUser);
     return;
   } else {
-    std::fprintf(stderr, "win32: no one can answer the dialog, pressing Cancel\n");
+    DialogViewTurn(hDlg);
+    return;
   }
   EndDialog(hDlg, IDCANCEL);
 }
@@ -199,6 +200,7 @@ INT_PTR DialogBoxParamA(HINSTANCE hInstance, LPCSTR lpTemplateName, HWND hWndPar
     }
   }
 
+  if (!win32::IsScripted()) DialogViewClosed();
   const INT_PTR result = FindDialog(hDlg)->result;
   const std::vector<HWND> controls = FindDialog(hDlg)->controls;
   for (HWND control : controls) DestroyWindow(control);

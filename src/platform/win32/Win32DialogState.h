@@ -54,4 +54,11 @@ namespace win32::detail {
 // script has nothing to do there.
 bool ScriptDialogTurn(HWND dialog, std::uint32_t turn);
 
+// The person's turn (Win32DialogView.cpp): reads the input, draws the dialog
+// into its owner's window and swaps; ends the dialog with IDCANCEL when it
+// cannot be drawn or the window is closing.
+void DialogViewTurn(HWND dialog);
+// The dialog's loop has ended: the overlay gives the input back.
+void DialogViewClosed();
+
 }  // namespace win32::detail

@@ -13,8 +13,9 @@
 //    (into the owner's SDL window, or the program's window when it has no
 //    owner), reads the person's input and acts through UserSelect and
 //    UserClick, as the real controls would. A front end that has nothing to
-//    give (no presenter, no callback, a callback that answers false) makes
-//    the dialog end with IDCANCEL: a headless run never waits.
+//    give (no SDL window or GL context to draw with, no callback, a callback
+//    that answers false) makes the dialog end with IDCANCEL: a headless run
+//    never waits.
 //  - Descriptions are read fresh at each turn; handles stay good until the
 //    dialog ends.
 #pragma once
@@ -57,7 +58,14 @@ void UserSelect(HWND list, int index);
 // unchecked, then the dialog hears BN_CLICKED. Nothing when disabled.
 void UserClick(HWND button);
 
-// One turn of the person's front end, see above. Null removes it.
+// Draws one frame of the open dialog into its owner's window with the GL
+// context that is current (the device's) and swaps; with rgba, width and
+// height given, reads the frame back first (RGBA, top row first). False when
+// the dialog or its window cannot be drawn.
+bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* height);
+
+// One turn of the person's front end, see above. Null (the default) is the
+// ImGui front end of Win32DialogView.cpp.
 using DialogPresenter = void (*)(HWND dialog, void* user);
 void SetDialogPresenter(DialogPresenter presenter, void* user);
 
