@@ -18,9 +18,6 @@ std::map<UINT, win32::DialogResource>& DialogResources() {
   return *resources;
 }
 
-win32::DialogPresenter s_presenter = nullptr;
-void* s_presenterUser = nullptr;
-
 const char* ClassOf(win32::DialogItemKind kind) {
   switch (kind) {
     case win32::DialogItemKind::DropDownList:
@@ -94,10 +91,8 @@ void FrontEndTurn(HWND hDlg) {
     const std::uint32_t turn = FindDialog(hDlg)->turns++;
     if (turn < kScriptTurnLimit && ScriptDialogTurn(hDlg, turn)) return;
     std::fprintf(stderr, "win32 script: no action for the open dialog, pressing Cancel\n");
-  } else if (s_presenter) {
-    s_presenter(hDlg, s_presenterUser);
-    return;
   } else {
+    FindDialog(hDlg)->turns++;
     DialogViewTurn(hDlg);
     return;
   }
@@ -120,11 +115,6 @@ bool RegisterDialogResource(UINT id, const DialogResource& dialog) {
 const DialogResource* FindDialogResource(UINT id) {
   const auto found = DialogResources().find(id);
   return found == DialogResources().end() ? nullptr : &found->second;
-}
-
-void SetDialogPresenter(DialogPresenter presenter, void* user) {
-  s_presenter = presenter;
-  s_presenterUser = user;
 }
 
 }  // namespace win32

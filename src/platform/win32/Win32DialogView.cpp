@@ -40,6 +40,9 @@ struct Keyboard {
 };
 Keyboard s_keyboard;
 
+win32::DialogTurnHook s_turnHook = nullptr;
+void* s_turnHookUser = nullptr;
+
 std::string WithoutAmpersand(const std::string& text) {
   std::string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -92,6 +95,23 @@ void DesktopKeys(HWND dialog, const win32::DialogInfo& info) {
       win32::UserSelect(current->handle, std::max(current->selected - 1, 0));
     if (Pressed(SDL_SCANCODE_DOWN)) win32::UserSelect(current->handle, current->selected + 1);
   }
+  if (!popup && Pressed(SDL_SCANCODE_TAB)) {
+    // The next (Shift: the former) enabled control that takes the focus, in
+    // the resource's order; ImGui's own tabbing reaches text fields only.
+    const ImGuiIO& io = ImGui::GetIO();
+    const int step = io.KeysDown[SDL_SCANCODE_LSHIFT] || io.KeysDown[SDL_SCANCODE_RSHIFT] ? -1 : 1;
+    const int count = static_cast<int>(controls.size());
+    for (int i = 1; i <= count; ++i) {
+      const int next =
+          ((focused < 0 ? (step > 0 ? -1 : 0) : focused) + step * i + 2 * count) % count;
+      const DialogItemKind kind = controls[next].kind;
+      if (controls[next].enabled && kind != DialogItemKind::Label &&
+          kind != DialogItemKind::GroupBox) {
+        s_keyboard.focusNext = next;
+        break;
+      }
+    }
+  }
   if (!popup && Pressed(SDL_SCANCODE_ESCAPE)) win32::UserClick(GetDlgItem(dialog, IDCANCEL));
   if (!popup && (Pressed(SDL_SCANCODE_RETURN) || Pressed(SDL_SCANCODE_KP_ENTER))) {
     // A focused push button answers Enter; otherwise the default button does.
@@ -99,7 +119,9 @@ void DesktopKeys(HWND dialog, const win32::DialogInfo& info) {
                                     current->kind == DialogItemKind::DefaultButton);
     win32::UserClick(button ? current->handle : GetDlgItem(dialog, IDOK));
   }
-  if (!ImGui::GetIO().KeyAlt) return;
+  // The frame's Alt flag comes with the next frame; the key table is now.
+  const ImGuiIO& io = ImGui::GetIO();
+  if (!io.KeysDown[SDL_SCANCODE_LALT] && !io.KeysDown[SDL_SCANCODE_RALT]) return;
   for (int scancode = SDL_SCANCODE_A; scancode <= SDL_SCANCODE_0; ++scancode) {
     const SDL_Keycode sym = SDL_GetKeyFromScancode(static_cast<SDL_Scancode>(scancode));
     if (!Pressed(static_cast<SDL_Scancode>(scancode)) || sym > 0x7F) continue;
@@ -214,6 +236,11 @@ void DrawFrame(const win32::DialogInfo& info) {
 
 namespace win32 {
 
+void SetDialogTurnHook(DialogTurnHook hook, void* user) {
+  s_turnHook = hook;
+  s_turnHookUser = user;
+}
+
 bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* height) {
   const DialogInfo info = DescribeDialog(dialog);
   SDL_Window* window = SdlWindowOf(info.owner);
@@ -253,7 +280,6 @@ bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* h
 namespace win32::detail {
 
 void DialogViewTurn(HWND dialog) {
-  GetSource().Pump();
   const DialogInfo info = DescribeDialog(dialog);
   // Closing the window (or a request to end the process) answers Cancel.
   const auto& queue = GetState().queue;
@@ -263,6 +289,8 @@ void DialogViewTurn(HWND dialog) {
     EndDialog(dialog, IDCANCEL);
     return;
   }
+  if (s_turnHook) s_turnHook(dialog, FindDialog(dialog)->turns - 1, s_turnHookUser);
+  GetSource().Pump();
   DesktopKeys(dialog, info);
   if (FindDialog(dialog)->ended) return;
   if (!DrawDialog(dialog, nullptr, nullptr, nullptr)) {

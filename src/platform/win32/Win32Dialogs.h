@@ -9,7 +9,7 @@
 //    one at a time, FIFO; whenever none waits, the front end gets one turn.
 //    No other window's messages are taken and no frame of the program runs.
 //  - The front end is the script's dialog callback while the scripted back
-//    end is in force, else the presenter set here. A turn draws the dialog
+//    end is in force, else the person's, drawn with ImGui. A turn draws the dialog
 //    (into the owner's SDL window, or the program's window when it has no
 //    owner), reads the person's input and acts through UserSelect and
 //    UserClick, as the real controls would. A front end that has nothing to
@@ -64,9 +64,10 @@ void UserClick(HWND button);
 // the dialog or its window cannot be drawn.
 bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* height);
 
-// One turn of the person's front end, see above. Null (the default) is the
-// ImGui front end of Win32DialogView.cpp.
-using DialogPresenter = void (*)(HWND dialog, void* user);
-void SetDialogPresenter(DialogPresenter presenter, void* user);
+// Called at the start of each turn of the person's front end (not the
+// script's), before it reads the input: tests push SDL events here. The turn
+// counts from 0 in each dialog. Null removes it.
+using DialogTurnHook = void (*)(HWND dialog, std::uint32_t turn, void* user);
+void SetDialogTurnHook(DialogTurnHook hook, void* user);
 
 }  // namespace win32
