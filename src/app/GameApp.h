@@ -6,6 +6,7 @@
 // The member functions are defined in the files of their concern:
 //   GameApp.cpp              construction, Startup, BuildWorld, RunLoop, AdvanceFrame, Shutdown
 //   GameAppDisplay.cpp       OpenDisplay
+//   GameAppDevice.cpp        ChangeDevice
 //   GameAppMessages.cpp      StaticWindowProc, HandleWindowMessage
 //   GameAppState.cpp         ResetGameState
 //   GameAppInput.cpp         ReadInput
@@ -40,6 +41,9 @@ class CGameApp {
   // Life of the process.
   bool Startup(HINSTANCE hInstance, LPSTR lpCmdLine, int nCmdShow);
   bool OpenDisplay();
+  // The settings dialog and, on OK, a new device in the same window with the
+  // world built on it; the game state stays as it is.
+  void ChangeDevice();
   bool BuildWorld();
   void ReleaseWorld();
   int RunLoop();

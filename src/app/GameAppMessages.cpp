@@ -18,14 +18,22 @@ struct CameraColumn {
   float cameraLag;
 };
 
-const CameraColumn kFirstPerson = {CAM_MODE_1ST_PERSON,       250.0f, D3DXVECTOR3(0.0f, -400.0f, 0.0f),
-                                   125.0f,                    400.0f, D3DXVECTOR3(0.0f, 10.0f, 0.0f),
+const CameraColumn kFirstPerson = {CAM_MODE_1ST_PERSON,
+                                   250.0f,
+                                   D3DXVECTOR3(0.0f, -400.0f, 0.0f),
+                                   125.0f,
+                                   400.0f,
+                                   D3DXVECTOR3(0.0f, 10.0f, 0.0f),
                                    0.0f};
-const CameraColumn kSpaceCraft = {CAM_MODE_SPACE_CRAFT,    125.0f, D3DXVECTOR3(0.0f, 0.0f, 0.0f),
-                                  400.0f,                  400.0f, D3DXVECTOR3(0.0f, 0.0f, 0.0f),
-                                  0.0f};
-const CameraColumn kThirdPerson = {CAM_MODE_3RD_PERSON,       250.0f, D3DXVECTOR3(0.0f, -400.0f, 0.0f),
-                                   125.0f,                    400.0f, D3DXVECTOR3(0.0f, 40.0f, -60.0f),
+const CameraColumn kSpaceCraft = {
+    CAM_MODE_SPACE_CRAFT,          125.0f, D3DXVECTOR3(0.0f, 0.0f, 0.0f), 400.0f, 400.0f,
+    D3DXVECTOR3(0.0f, 0.0f, 0.0f), 0.0f};
+const CameraColumn kThirdPerson = {CAM_MODE_3RD_PERSON,
+                                   250.0f,
+                                   D3DXVECTOR3(0.0f, -400.0f, 0.0f),
+                                   125.0f,
+                                   400.0f,
+                                   D3DXVECTOR3(0.0f, 40.0f, -60.0f),
                                    0.25f};
 
 // Commands of the menu Render States.
@@ -131,9 +139,7 @@ LRESULT CGameApp::HandleWindowMessage(HWND hWnd, UINT message, WPARAM wParam, LP
           SendMessageA(m_hWnd, WM_CLOSE, 0, 0);
           return 0;
         case ID_FILE_CHANGE_DEVICE:
-          // Changing the device (enumeration, settings dialog, new device,
-          // rebuilt world) comes with the settings dialog; until then the
-          // entry does nothing.
+          ChangeDevice();
           break;
         case ID_CAMERA_FIRST_PERSON:
           camera = &kFirstPerson;
@@ -148,7 +154,8 @@ LRESULT CGameApp::HandleWindowMessage(HWND hWnd, UINT message, WPARAM wParam, LP
           break;
       }
       if (camera) {
-        CheckMenuRadioItem(m_hMenu, ID_CAMERA_FIRST_PERSON, ID_CAMERA_THIRD_PERSON, command, MF_BYCOMMAND);
+        CheckMenuRadioItem(m_hMenu, ID_CAMERA_FIRST_PERSON, ID_CAMERA_THIRD_PERSON, command,
+                           MF_BYCOMMAND);
         m_player.SetFriction(camera->friction);
         m_player.SetGravity(camera->gravity);
         m_player.SetMaxVelocityXZ(camera->maxVelocityXZ);

@@ -1,7 +1,7 @@
 // The program's resources, what a resource compiler would link into it: the
-// main menu (101) and the icon (102). RegisterResources hands them to the
-// win32 layer, where LoadMenuA and LoadIconA find them by number; it runs
-// during static initialisation, before any code of the program.
+// main menu (101), the icon (102) and the settings dialog (103). RegisterResources hands them to
+// the win32 layer, where LoadMenuA and LoadIconA find them by number; it runs during static
+// initialisation, before any code of the program.
 #pragma once
 
 #include "platform/win32/windows.h"
@@ -16,5 +16,5 @@ constexpr UINT ID_CAMERA_FIRST_PERSON = 40010;
 constexpr UINT ID_CAMERA_SPACE_CRAFT = 40011;
 constexpr UINT ID_CAMERA_THIRD_PERSON = 40012;
 
-// Registers menu 101 and icon 102; true when both were taken.
+// Registers menu 101, icon 102 and dialog 103; true when all were taken.
 bool RegisterResources();

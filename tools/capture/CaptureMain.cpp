@@ -8,6 +8,7 @@
 // there). Without a display it
 // starts itself again under xvfb-run; without a sound card it uses SDL's
 // dummy audio driver.
+#include <stb/stb_image_write.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -16,11 +17,11 @@
 #include <string>
 #include <vector>
 
-#include <stb/stb_image_write.h>
-
 #include "CaptureOptions.h"
 #include "app/GameApp.h"
+#include "app/Resources.h"
 #include "platform/d3d9/D3D9GLBackend.h"
+#include "platform/win32/Win32Dialogs.h"
 #include "platform/win32/Win32Script.h"
 #include "platform/win32/windows.h"
 
@@ -28,7 +29,9 @@ namespace {
 
 // The sounds load while g_App is constructed, before main runs: the audio
 // driver has to be chosen even earlier. A user's own choice stands.
-__attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRIVER", "dummy", 0); }
+__attribute__((constructor(101))) void ChooseQuietAudio() {
+  setenv("SDL_AUDIODRIVER", "dummy", 0);
+}
 
 // Starts the tool again under a virtual X server when there is no display.
 // Returns only when that is not possible or not needed.
@@ -43,8 +46,9 @@ void ReExecUnderXvfb(int argc, char** argv) {
   std::error_code error;
   const std::filesystem::path resolved = std::filesystem::read_symlink(self, error);
   if (!error) self = resolved.string();
-  std::vector<char*> args = {const_cast<char*>("xvfb-run"), const_cast<char*>("-a"), const_cast<char*>("-s"),
-                             const_cast<char*>("-screen 0 1600x1000x24"), self.data()};
+  std::vector<char*> args = {const_cast<char*>("xvfb-run"), const_cast<char*>("-a"),
+                             const_cast<char*>("-s"), const_cast<char*>("-screen 0 1600x1000x24"),
+                             self.data()};
   for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
   args.push_back(nullptr);
   execvp("xvfb-run", args.data());
@@ -55,7 +59,8 @@ void ReExecUnderXvfb(int argc, char** argv) {
 // working directory of the process. Given --assets, the tool therefore enters
 // the folder and starts itself again there, without --assets and with the
 // output folder made absolute. Returns only when the new start failed.
-void RestartInside(const std::filesystem::path& assets, const std::filesystem::path& outDir, int argc, char** argv) {
+void RestartInside(const std::filesystem::path& assets, const std::filesystem::path& outDir,
+                   int argc, char** argv) {
   std::error_code error;
   std::filesystem::current_path(assets, error);
   if (error) {
@@ -93,8 +98,9 @@ void WriteFrame(std::uint32_t frame) {
   std::vector<std::uint8_t> rgba;
   UINT width = 0;
   UINT height = 0;
-  if (g_App.m_device == nullptr || !d3d9gl::ReadBackBufferRGBA(g_App.m_device, rgba, width, height) ||
-      width == 0 || height == 0) {
+  if (g_App.m_device == nullptr ||
+      !d3d9gl::ReadBackBufferRGBA(g_App.m_device, rgba, width, height) || width == 0 ||
+      height == 0) {
     std::fprintf(stderr, "karvo-capture: frame %u: no back buffer to read\n", frame);
     ++s_run.failed;
     return;
@@ -104,14 +110,32 @@ void WriteFrame(std::uint32_t frame) {
   char name[64];
   std::snprintf(name, sizeof(name), "_%04u.png", frame);
   const std::filesystem::path path = s_run.outDir / (s_run.options->prefix + name);
-  if (!stbi_write_png(path.c_str(), static_cast<int>(width), static_cast<int>(height), 4, rgba.data(),
-                      static_cast<int>(width) * 4)) {
+  if (!stbi_write_png(path.c_str(), static_cast<int>(width), static_cast<int>(height), 4,
+                      rgba.data(), static_cast<int>(width) * 4)) {
     std::fprintf(stderr, "karvo-capture: cannot write %s\n", path.c_str());
     ++s_run.failed;
     return;
   }
   std::printf("%s %ux%u\n", path.c_str(), width, height);
   ++s_run.written;
+}
+
+// The settings dialog as the person would see it, then Cancel.
+bool WriteDialog(HWND dialog, std::uint32_t) {
+  std::vector<std::uint8_t> rgba;
+  int width = 0;
+  int height = 0;
+  // The first frame lays the dialog out; the second is the one shown.
+  const bool drawn = win32::DrawDialog(dialog, nullptr, nullptr, nullptr) &&
+                     win32::DrawDialog(dialog, &rgba, &width, &height);
+  const std::filesystem::path path = s_run.outDir / (s_run.options->prefix + "_dialog.png");
+  if (!drawn || !stbi_write_png(path.c_str(), width, height, 4, rgba.data(), width * 4)) {
+    std::fprintf(stderr, "karvo-capture: cannot write %s\n", path.c_str());
+    ++s_run.failed;
+  } else {
+    std::printf("%s %dx%d\n", path.c_str(), width, height);
+  }
+  return false;
 }
 
 // Script frame k is about to run, so frame k (counting the first drawn frame
@@ -184,19 +208,26 @@ int main(int argc, char** argv) {
   win32::script::Options script;
   script.fixedStep = options.step;
   script.realWindows = true;
-  script.maxFrames = options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
+  script.maxFrames =
+      options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
   win32::script::Enable(script);
   for (std::uint32_t command : options.commands) win32::script::Command(0, command);
   ScheduleKeys(options);
   win32::script::SetFrameCallback(OnFrameBoundary);
+  if (options.dialog) {
+    win32::script::Command(options.LastFrame(), ID_FILE_CHANGE_DEVICE);
+    win32::script::SetDialogCallback(WriteDialog);
+  }
 
-  const int exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
+  const int exitCode =
+      WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
   win32::script::SetFrameCallback(nullptr);
 
   const int missing = static_cast<int>(options.frames.size()) - s_run.written;
+  if (s_run.failed > 0 && missing <= 0) return 1;
   if (missing > 0) {
-    std::fprintf(stderr, "karvo-capture: %d of %zu frames not written (program exit code %d)\n", missing,
-                 options.frames.size(), exitCode);
+    std::fprintf(stderr, "karvo-capture: %d of %zu frames not written (program exit code %d)\n",
+                 missing, options.frames.size(), exitCode);
     return 1;
   }
   return exitCode;

@@ -17,12 +17,12 @@ struct NamedValue {
 
 // Keys the program polls, by the names a user would type.
 constexpr NamedValue kKeys[] = {
-    {"up", 0x26},    // VK_UP: walk forward
-    {"down", 0x28},  // VK_DOWN: walk back
-    {"left", 0x25},  // VK_LEFT: turn left
-    {"right", 0x27}, // VK_RIGHT: turn right
-    {"shift", 0x10}, // VK_SHIFT
-    {"space", 0x20}, // VK_SPACE
+    {"up", 0x26},     // VK_UP: walk forward
+    {"down", 0x28},   // VK_DOWN: walk back
+    {"left", 0x25},   // VK_LEFT: turn left
+    {"right", 0x27},  // VK_RIGHT: turn right
+    {"shift", 0x10},  // VK_SHIFT
+    {"space", 0x20},  // VK_SPACE
 };
 
 constexpr NamedValue kCameras[] = {
@@ -37,7 +37,8 @@ constexpr NamedValue kColorOps[] = {
 };
 
 // First command of each filter group; none, point, linear, anisotropic follow.
-constexpr NamedValue kFilterNames[] = {{"none", 0}, {"point", 1}, {"linear", 2}, {"anisotropic", 3}};
+constexpr NamedValue kFilterNames[] = {
+    {"none", 0}, {"point", 1}, {"linear", 2}, {"anisotropic", 3}};
 constexpr std::uint32_t MIN_FILTER_NONE = 40031;
 constexpr std::uint32_t MAG_FILTER_NONE = 40035;
 constexpr std::uint32_t MIP_FILTER_NONE = 40019;
@@ -57,9 +58,8 @@ bool Lookup(const NamedValue (&table)[N], const std::string& name, std::uint32_t
 
 // A whole decimal number that fits 32 bits; nothing else accepted.
 bool ParseNumber(const std::string& text, std::uint32_t& value) {
-  if (text.empty() || text.size() > 10 || !std::all_of(text.begin(), text.end(), [](char c) {
-        return c >= '0' && c <= '9';
-      })) {
+  if (text.empty() || text.size() > 10 ||
+      !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) {
     return false;
   }
   const unsigned long long parsed = std::strtoull(text.c_str(), nullptr, 10);
@@ -78,9 +78,12 @@ bool ParseKey(const std::string& name, std::uint8_t& key) {
   }
   if (name.size() == 1) {
     const char c = name[0];
-    if (c >= 'a' && c <= 'z') key = static_cast<std::uint8_t>(c - 'a' + 'A');
-    else if ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) key = static_cast<std::uint8_t>(c);
-    else return false;
+    if (c >= 'a' && c <= 'z')
+      key = static_cast<std::uint8_t>(c - 'a' + 'A');
+    else if ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
+      key = static_cast<std::uint8_t>(c);
+    else
+      return false;
     return true;
   }
   return false;
@@ -97,8 +100,8 @@ bool ParseHold(const std::string& text, CaptureOptions::Hold& hold) {
     hold.last = hold.first;
     return true;
   }
-  return ParseNumber(range.substr(0, dash), hold.first) && ParseNumber(range.substr(dash + 1), hold.last) &&
-         hold.first <= hold.last;
+  return ParseNumber(range.substr(0, dash), hold.first) &&
+         ParseNumber(range.substr(dash + 1), hold.last) && hold.first <= hold.last;
 }
 
 // "1,60,120"; frames start at 1; the list comes out sorted without repeats.
@@ -133,7 +136,10 @@ const char* CaptureUsage() {
          "  --camera MODE        first | space | third\n"
          "  --wireframe          wireframe fill mode\n"
          "  --multipass          the ground in two passes (default: single pass)\n"
-         "  --colorop OP         addsigned addsigned2x add subtract modulate modulate2x modulate4x\n"
+         "  --dialog             after the last frame, open Change Device and write the\n"
+         "                       settings dialog as NAME_dialog.png, then cancel it\n"
+         "  --colorop OP         addsigned addsigned2x add subtract modulate modulate2x "
+         "modulate4x\n"
          "  --min F, --mag F     none | point | linear | anisotropic\n"
          "  --mip F              none | point | linear\n"
          "  --anisotropy N       1 2 4 8 16 32 64\n"
@@ -143,7 +149,8 @@ const char* CaptureUsage() {
          "  --prefix NAME        file names NAME_0001.png ... (default frame)\n";
 }
 
-bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& options, std::string& error) {
+bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& options,
+                         std::string& error) {
   options = CaptureOptions{};
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
@@ -157,6 +164,10 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
     }
     if (arg == "--multipass") {
       options.commands.push_back(40023);
+      continue;
+    }
+    if (arg == "--dialog") {
+      options.dialog = true;
       continue;
     }
     // Every other option takes one value.
@@ -180,7 +191,9 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
       ok = Lookup(kColorOps, value, number);
       if (ok) options.commands.push_back(number);
     } else if (arg == "--min" || arg == "--mag" || arg == "--mip") {
-      const std::uint32_t first = arg == "--min" ? MIN_FILTER_NONE : arg == "--mag" ? MAG_FILTER_NONE : MIP_FILTER_NONE;
+      const std::uint32_t first = arg == "--min"   ? MIN_FILTER_NONE
+                                  : arg == "--mag" ? MAG_FILTER_NONE
+                                                   : MIP_FILTER_NONE;
       ok = Lookup(kFilterNames, value, number) && !(arg == "--mip" && number == 3);
       if (ok) options.commands.push_back(first + number);
     } else if (arg == "--anisotropy") {

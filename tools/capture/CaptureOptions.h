@@ -23,6 +23,7 @@ struct CaptureOptions {
   std::string assetsDir;  // folder to run in; empty: the working directory
   std::string prefix = "frame";
   double step = 1.0 / 60.0;  // seconds the fixed clock advances per frame
+  bool dialog = false;       // write the settings dialog after the last frame
   bool help = false;
 
   // The last frame the run needs: the largest frame asked for.
@@ -33,7 +34,8 @@ struct CaptureOptions {
 
 // Parses argv[1..argc-1]. On a bad argument returns false with a one-line
 // reason in error; options is then unspecified.
-bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& options, std::string& error);
+bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& options,
+                         std::string& error);
 
 // The usage text printed by --help and after a bad argument.
 const char* CaptureUsage();

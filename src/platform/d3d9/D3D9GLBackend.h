@@ -63,6 +63,8 @@ void SetWindowLookup(WindowLookup lookup);
 
 // Called by Present after the back buffer is drawn into the window and before
 // the buffers swap, with the GL context current: the overlay UI draws here.
+// The default draws the window's menu bar (win32::overlay::DrawWindowOverlay);
+// null restores it.
 using PresentHook = void (*)(HWND hWnd, void* user);
 void SetPresentHook(PresentHook hook, void* user);
 

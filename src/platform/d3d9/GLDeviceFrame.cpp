@@ -9,11 +9,15 @@
 #include <utility>
 
 #include "platform/d3d9/GLDevice.h"
+#include "platform/win32/Win32Overlay.h"
 
 namespace d3d9gl {
 
 namespace {
-PresentHook s_presentHook = nullptr;
+// The window's overlay UI (its menu bar) unless a test puts its own hook in.
+void DrawOverlay(HWND hWnd, void*) { win32::overlay::DrawWindowOverlay(hWnd); }
+
+PresentHook s_presentHook = &DrawOverlay;
 void* s_presentHookUser = nullptr;
 }  // namespace
 
@@ -31,6 +35,8 @@ GLDevice::~GLDevice() {
     DestroyBackBuffer();
     shaders_.Clear();
     if (vao_) glDeleteVertexArrays(1, &vao_);
+    // The overlay's GL objects live in this context too.
+    win32::overlay::ReleaseGL();
     glDeleteSamplers(kShaderStages, samplers_);
     if (streamVb_) glDeleteBuffers(1, &streamVb_);
     if (streamIb_) glDeleteBuffers(1, &streamIb_);
@@ -452,7 +458,7 @@ void Flush(IDirect3DDevice9* device) {
 }
 
 void SetPresentHook(PresentHook hook, void* user) {
-  s_presentHook = hook;
+  s_presentHook = hook ? hook : &DrawOverlay;
   s_presentHookUser = user;
 }
 

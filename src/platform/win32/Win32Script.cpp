@@ -9,6 +9,7 @@
 #include <map>
 #include <vector>
 
+#include "platform/win32/Win32DialogState.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {
@@ -32,7 +33,9 @@ LONGLONG ToCounts(double seconds) {
   return static_cast<LONGLONG>(std::llround(seconds * static_cast<double>(kCounterFrequency)));
 }
 
-bool IsButton(BYTE vk) { return vk == VK_LBUTTON || vk == VK_RBUTTON || vk == VK_MBUTTON; }
+bool IsButton(BYTE vk) {
+  return vk == VK_LBUTTON || vk == VK_RBUTTON || vk == VK_MBUTTON;
+}
 
 BYTE MessageKey(BYTE vk) {
   if (vk == VK_LSHIFT || vk == VK_RSHIFT) return VK_SHIFT;
@@ -60,17 +63,22 @@ class ScriptBackEnd final : public Source {
     m_callback = nullptr;
   }
 
-  void Schedule(std::uint32_t frame, ScriptEvent event) { m_schedule.emplace(frame, std::move(event)); }
+  void Schedule(std::uint32_t frame, ScriptEvent event) {
+    m_schedule.emplace(frame, std::move(event));
+  }
   void SetStep(double seconds) { m_step = ToCounts(seconds); }
   std::uint32_t Frames() const { return m_frames; }
-  void SetCallback(std::function<void(std::uint32_t)> callback) { m_callback = std::move(callback); }
+  void SetCallback(std::function<void(std::uint32_t)> callback) {
+    m_callback = std::move(callback);
+  }
 
   void Pump() override {
     DropSdlInput();
     if (m_options.maxFrames != 0 && m_frames >= m_options.maxFrames) {
       if (!m_quitRequested) {
         m_quitRequested = true;
-        std::fprintf(stderr, "win32 script: frame limit of %u reached, quitting\n", m_options.maxFrames);
+        std::fprintf(stderr, "win32 script: frame limit of %u reached, quitting\n",
+                     m_options.maxFrames);
         PostQuitMessage(0);
       }
       return;
@@ -125,7 +133,9 @@ class ScriptBackEnd final : public Source {
     SetKeyHeld(vk, down);
     HWND target = Target();
     if (IsButton(vk)) {
-      UINT message = vk == VK_LBUTTON ? WM_LBUTTONDOWN : vk == VK_RBUTTON ? WM_RBUTTONDOWN : WM_MBUTTONDOWN;
+      UINT message = vk == VK_LBUTTON   ? WM_LBUTTONDOWN
+                     : vk == VK_RBUTTON ? WM_RBUTTONDOWN
+                                        : WM_MBUTTONDOWN;
       if (!down) message += 1;
       const POINT point = ClientCursor(target);
       Post(target, message, MouseKeyFlags(), MAKELPARAM(point.x, point.y));
@@ -199,9 +209,24 @@ ScriptBackEnd& Script() {
   return *script;
 }
 
+std::function<bool(HWND, std::uint32_t)>& DialogCallback() {
+  static auto* callback =
+      new std::function<bool(HWND, std::uint32_t)>;  // never destroyed: see GetState
+  return *callback;
+}
+
 }  // namespace
 
-Source& ScriptSource() { return Script(); }
+Source& ScriptSource() {
+  return Script();
+}
+
+bool ScriptDialogTurn(HWND dialog, std::uint32_t turn) {
+  if (!DialogCallback()) return false;
+  // Copied: the callback may set a new one.
+  const auto callback = DialogCallback();
+  return callback(dialog, turn);
+}
 
 }  // namespace win32::detail
 
@@ -217,6 +242,7 @@ void Enable(const Options& options) {
   state.capture = nullptr;
   for (BYTE& key : state.keys) key = 0;
   Script().Start(options);
+  DialogCallback() = nullptr;
   state.source = &Script();
 }
 
@@ -225,11 +251,17 @@ void Disable() {
   GetState().source = &SdlSource();
 }
 
-bool IsEnabled() { return win32::IsScripted(); }
+bool IsEnabled() {
+  return win32::IsScripted();
+}
 
-void SetFixedStep(double seconds) { Script().SetStep(seconds); }
+void SetFixedStep(double seconds) {
+  Script().SetStep(seconds);
+}
 
-std::uint32_t FramesStarted() { return Script().Frames(); }
+std::uint32_t FramesStarted() {
+  return Script().Frames();
+}
 
 void KeyDown(std::uint32_t frame, BYTE vk) {
   ScriptEvent event;
@@ -269,10 +301,16 @@ void PostAt(std::uint32_t frame, UINT message, WPARAM wParam, LPARAM lParam) {
   Script().Schedule(frame, std::move(event));
 }
 
-void Command(std::uint32_t frame, UINT id) { PostAt(frame, WM_COMMAND, id, 0); }
+void Command(std::uint32_t frame, UINT id) {
+  PostAt(frame, WM_COMMAND, id, 0);
+}
 
 void SetFrameCallback(std::function<void(std::uint32_t frame)> callback) {
   Script().SetCallback(std::move(callback));
+}
+
+void SetDialogCallback(std::function<bool(HWND dialog, std::uint32_t turn)> callback) {
+  DialogCallback() = std::move(callback);
 }
 
 }  // namespace win32::script

@@ -74,4 +74,11 @@ void Command(std::uint32_t frame, UINT id);
 // after that frame's events were delivered. Null removes it.
 void SetFrameCallback(std::function<void(std::uint32_t frame)> callback);
 
+// The script's hand in modal dialogs (see Win32Dialogs.h). Called whenever
+// an open dialog has no message waiting, with the turn's number counted from
+// 0 in each dialog; it acts through win32::UserSelect and win32::UserClick
+// and answers true, or answers false to have Cancel pressed. Without a
+// callback every dialog is cancelled. Null removes it; Enable drops it.
+void SetDialogCallback(std::function<bool(HWND dialog, std::uint32_t turn)> callback);
+
 }  // namespace win32::script

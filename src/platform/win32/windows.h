@@ -355,6 +355,43 @@ struct CREATESTRUCTA {
 #define IDOK 1
 #define IDCANCEL 2
 
+// ---- dialogs and their controls ------------------------------------------------------
+#define WS_VSCROLL 0x00200000L
+#define WS_GROUP 0x00020000L
+#define WS_TABSTOP 0x00010000L
+
+#define DS_SETFONT 0x40L
+#define DS_MODALFRAME 0x80L
+#define DS_CENTER 0x0800L
+
+#define BS_PUSHBUTTON 0x00000000L
+#define BS_DEFPUSHBUTTON 0x00000001L
+#define BS_GROUPBOX 0x00000007L
+#define BS_AUTORADIOBUTTON 0x00000009L
+#define CBS_DROPDOWNLIST 0x0003L
+
+// Button messages, states and notifications
+#define BM_GETCHECK 0x00F0
+#define BM_SETCHECK 0x00F1
+#define BM_CLICK 0x00F5
+#define BST_UNCHECKED 0x0000
+#define BST_CHECKED 0x0001
+#define BN_CLICKED 0
+
+// Combo box messages, results and notifications
+#define CB_ADDSTRING 0x0143
+#define CB_GETCOUNT 0x0146
+#define CB_GETCURSEL 0x0147
+#define CB_GETLBTEXT 0x0148
+#define CB_GETLBTEXTLEN 0x0149
+#define CB_RESETCONTENT 0x014B
+#define CB_SETCURSEL 0x014E
+#define CB_GETITEMDATA 0x0150
+#define CB_SETITEMDATA 0x0151
+#define CB_OKAY 0
+#define CB_ERR (-1)
+#define CBN_SELCHANGE 1
+
 // ---- virtual keys --------------------------------------------------------------------------
 // Letters and digits are their upper-case ASCII codes ('A' 0x41 .. 'Z' 0x5A,
 // '0' 0x30 .. '9' 0x39); they have no VK_ names.
@@ -564,3 +601,31 @@ void Sleep(DWORD dwMilliseconds);
 // Writes "caption: text" to standard error; shows a real box only when a
 // person can answer it. Result IDOK.
 int MessageBoxA(HWND hWnd, LPCSTR lpText, LPCSTR lpCaption, UINT uType);
+
+// ---- dialogs -------------------------------------------------------------------------------
+// Runs the module's dialog resource modally: makes the dialog and its
+// controls, sends WM_INITDIALOG with dwInitParam to lpDialogFunc, then feeds
+// it the dialog's messages until EndDialog. The result is EndDialog's value;
+// -1 when the resource or the procedure is missing. No frame of the caller
+// runs meanwhile. Without a person or a script to answer it the dialog ends
+// as if Cancel (IDCANCEL) were pressed.
+INT_PTR DialogBoxParamA(HINSTANCE hInstance, LPCSTR lpTemplateName, HWND hWndParent,
+                        DLGPROC lpDialogFunc, LPARAM dwInitParam);
+// Ends the modal loop of hDlg once the current message is handled.
+BOOL EndDialog(HWND hDlg, INT_PTR nResult);
+// The control of the dialog with that id; null when there is none.
+HWND GetDlgItem(HWND hDlg, int nIDDlgItem);
+int GetDlgCtrlID(HWND hWnd);
+LRESULT SendDlgItemMessageA(HWND hDlg, int nIDDlgItem, UINT Msg, WPARAM wParam, LPARAM lParam);
+// Enables or disables input to a window; the result is nonzero when it was
+// disabled before.
+BOOL EnableWindow(HWND hWnd, BOOL bEnable);
+BOOL IsWindowEnabled(HWND hWnd);
+// Checks nIDCheckButton and unchecks the other buttons of the id range.
+BOOL CheckRadioButton(HWND hDlg, int nIDFirstButton, int nIDLastButton, int nIDCheckButton);
+// BST_CHECKED or BST_UNCHECKED; 0 for an unknown control.
+UINT IsDlgButtonChecked(HWND hDlg, int nIDButton);
+
+// ---- strings -------------------------------------------------------------------------------
+// Compares as strcmp does in sign; a null string sorts first.
+int lstrcmpA(LPCSTR lpString1, LPCSTR lpString2);

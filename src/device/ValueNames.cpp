@@ -1,0 +1,153 @@
+// The value-name tables of the settings dialog's lists.
+#include "device/ValueNames.h"
+
+#include <cstring>
+
+namespace {
+
+struct FormatRow {
+  D3DFORMAT format;
+  const char* name;
+};
+
+#define KARVO_FORMAT_ROW(name) \
+  { name, #name }
+const FormatRow s_formats[] = {
+    KARVO_FORMAT_ROW(D3DFMT_UNKNOWN),
+    KARVO_FORMAT_ROW(D3DFMT_R8G8B8),
+    KARVO_FORMAT_ROW(D3DFMT_A8R8G8B8),
+    KARVO_FORMAT_ROW(D3DFMT_X8R8G8B8),
+    KARVO_FORMAT_ROW(D3DFMT_R5G6B5),
+    KARVO_FORMAT_ROW(D3DFMT_X1R5G5B5),
+    KARVO_FORMAT_ROW(D3DFMT_A1R5G5B5),
+    KARVO_FORMAT_ROW(D3DFMT_A4R4G4B4),
+    KARVO_FORMAT_ROW(D3DFMT_R3G3B2),
+    KARVO_FORMAT_ROW(D3DFMT_A8),
+    KARVO_FORMAT_ROW(D3DFMT_A8R3G3B2),
+    KARVO_FORMAT_ROW(D3DFMT_X4R4G4B4),
+    KARVO_FORMAT_ROW(D3DFMT_A2B10G10R10),
+    KARVO_FORMAT_ROW(D3DFMT_A8B8G8R8),
+    KARVO_FORMAT_ROW(D3DFMT_X8B8G8R8),
+    KARVO_FORMAT_ROW(D3DFMT_G16R16),
+    KARVO_FORMAT_ROW(D3DFMT_A2R10G10B10),
+    KARVO_FORMAT_ROW(D3DFMT_A16B16G16R16),
+    KARVO_FORMAT_ROW(D3DFMT_A8P8),
+    KARVO_FORMAT_ROW(D3DFMT_P8),
+    KARVO_FORMAT_ROW(D3DFMT_L8),
+    KARVO_FORMAT_ROW(D3DFMT_A8L8),
+    KARVO_FORMAT_ROW(D3DFMT_A4L4),
+    KARVO_FORMAT_ROW(D3DFMT_V8U8),
+    KARVO_FORMAT_ROW(D3DFMT_L6V5U5),
+    KARVO_FORMAT_ROW(D3DFMT_X8L8V8U8),
+    KARVO_FORMAT_ROW(D3DFMT_Q8W8V8U8),
+    KARVO_FORMAT_ROW(D3DFMT_V16U16),
+    KARVO_FORMAT_ROW(D3DFMT_A2W10V10U10),
+    KARVO_FORMAT_ROW(D3DFMT_D16_LOCKABLE),
+    KARVO_FORMAT_ROW(D3DFMT_D32),
+    KARVO_FORMAT_ROW(D3DFMT_D15S1),
+    KARVO_FORMAT_ROW(D3DFMT_D24S8),
+    KARVO_FORMAT_ROW(D3DFMT_D24X8),
+    KARVO_FORMAT_ROW(D3DFMT_D24X4S4),
+    KARVO_FORMAT_ROW(D3DFMT_D16),
+    KARVO_FORMAT_ROW(D3DFMT_L16),
+    KARVO_FORMAT_ROW(D3DFMT_VERTEXDATA),
+    KARVO_FORMAT_ROW(D3DFMT_INDEX16),
+    KARVO_FORMAT_ROW(D3DFMT_INDEX32),
+    KARVO_FORMAT_ROW(D3DFMT_Q16W16V16U16),
+    KARVO_FORMAT_ROW(D3DFMT_R16F),
+    KARVO_FORMAT_ROW(D3DFMT_G16R16F),
+    KARVO_FORMAT_ROW(D3DFMT_A16B16G16R16F),
+    KARVO_FORMAT_ROW(D3DFMT_R32F),
+    KARVO_FORMAT_ROW(D3DFMT_G32R32F),
+    KARVO_FORMAT_ROW(D3DFMT_A32B32G32R32F),
+    KARVO_FORMAT_ROW(D3DFMT_CxV8U8),
+    KARVO_FORMAT_ROW(D3DFMT_MULTI2_ARGB8),
+    KARVO_FORMAT_ROW(D3DFMT_DXT1),
+    KARVO_FORMAT_ROW(D3DFMT_DXT2),
+    KARVO_FORMAT_ROW(D3DFMT_DXT3),
+    KARVO_FORMAT_ROW(D3DFMT_DXT4),
+    KARVO_FORMAT_ROW(D3DFMT_DXT5),
+    KARVO_FORMAT_ROW(D3DFMT_YUY2),
+    KARVO_FORMAT_ROW(D3DFMT_UYVY),
+};
+#undef KARVO_FORMAT_ROW
+
+constexpr char s_formatPrefix[] = "D3DFMT_";
+
+// Indexed by the sample count; 0 and 1 are the two named types.
+const char* const s_multiSampleNames[] = {
+    "D3DMULTISAMPLE_NONE",       "D3DMULTISAMPLE_NONMASKABLE", "D3DMULTISAMPLE_2_SAMPLES",
+    "D3DMULTISAMPLE_3_SAMPLES",  "D3DMULTISAMPLE_4_SAMPLES",   "D3DMULTISAMPLE_5_SAMPLES",
+    "D3DMULTISAMPLE_6_SAMPLES",  "D3DMULTISAMPLE_7_SAMPLES",   "D3DMULTISAMPLE_8_SAMPLES",
+    "D3DMULTISAMPLE_9_SAMPLES",  "D3DMULTISAMPLE_10_SAMPLES",  "D3DMULTISAMPLE_11_SAMPLES",
+    "D3DMULTISAMPLE_12_SAMPLES", "D3DMULTISAMPLE_13_SAMPLES",  "D3DMULTISAMPLE_14_SAMPLES",
+    "D3DMULTISAMPLE_15_SAMPLES", "D3DMULTISAMPLE_16_SAMPLES",
+};
+
+}  // namespace
+
+const char* DeviceTypeName(D3DDEVTYPE type) {
+  switch (type) {
+    case D3DDEVTYPE_HAL:
+      return "D3DDEVTYPE_HAL";
+    case D3DDEVTYPE_REF:
+      return "D3DDEVTYPE_REF";
+    case D3DDEVTYPE_SW:
+      return "D3DDEVTYPE_SW";
+    default:
+      return "Unknown D3DDEVTYPE";
+  }
+}
+
+const char* MultiSampleTypeName(D3DMULTISAMPLE_TYPE type) {
+  const auto index = static_cast<std::uint32_t>(type);
+  if (index >= sizeof s_multiSampleNames / sizeof s_multiSampleNames[0])
+    return "Unknown D3DMULTISAMPLE_TYPE";
+  return s_multiSampleNames[index];
+}
+
+const char* VertexProcessingName(VERTEXPROCESSING_TYPE type) {
+  switch (type) {
+    case SOFTWARE_VP:
+      return "SOFTWARE_VP";
+    case MIXED_VP:
+      return "MIXED_VP";
+    case HARDWARE_VP:
+      return "HARDWARE_VP";
+    case PURE_HARDWARE_VP:
+      return "PURE_HARDWARE_VP";
+    default:
+      return "Unknown VERTEXPROCESSING_TYPE";
+  }
+}
+
+const char* PresentIntervalName(std::uint32_t interval) {
+  switch (interval) {
+    case D3DPRESENT_INTERVAL_DEFAULT:
+      return "D3DPRESENT_INTERVAL_DEFAULT";
+    case D3DPRESENT_INTERVAL_ONE:
+      return "D3DPRESENT_INTERVAL_ONE";
+    case D3DPRESENT_INTERVAL_TWO:
+      return "D3DPRESENT_INTERVAL_TWO";
+    case D3DPRESENT_INTERVAL_THREE:
+      return "D3DPRESENT_INTERVAL_THREE";
+    case D3DPRESENT_INTERVAL_FOUR:
+      return "D3DPRESENT_INTERVAL_FOUR";
+    case static_cast<std::uint32_t>(D3DPRESENT_INTERVAL_IMMEDIATE):
+      return "D3DPRESENT_INTERVAL_IMMEDIATE";
+    default:
+      return "Unknown Present-Interval";
+  }
+}
+
+const char* FormatName(D3DFORMAT format, bool withPrefix) {
+  const char* name = "Unknown format";
+  for (const FormatRow& row : s_formats) {
+    if (row.format == format) {
+      name = row.name;
+      break;
+    }
+  }
+  if (!withPrefix && std::strstr(name, s_formatPrefix)) return name + (sizeof s_formatPrefix - 1);
+  return name;
+}

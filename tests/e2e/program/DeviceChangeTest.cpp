@@ -1,0 +1,212 @@
+// Change Device in the whole program, in a process of its own (the world is
+// placed anew by every change): the dialog is played by the script. A change
+// to another multisample type or present interval with OK, one with Cancel,
+// then 100 changes while process memory and live GL objects are counted.
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "app/GameApp.h"
+#include "device/D3DSettingsDlg.h"
+#include "device/ValueNames.h"
+#include "platform/d3d9/D3D9GLBackend.h"
+#include "platform/win32/Win32Dialogs.h"
+#include "platform/win32/Win32Script.h"
+#include "terrain/Vertex.h"
+
+namespace {
+
+__attribute__((constructor(101))) void ChooseQuietAudio() {
+  setenv("SDL_AUDIODRIVER", "dummy", 0);
+}
+
+constexpr UINT kChangeDevice = 40009;
+// Changes at kRepeatFrom and every second frame after it.
+constexpr std::uint32_t kOkAt = 4, kCancelAt = 6, kRepeatFrom = 8, kRepeats = 100, kWarm = 10;
+
+// What the program showed around one change.
+struct Snapshot {
+  D3DXVECTOR3 position, velocity;
+  std::vector<std::uint32_t> bodyColours;
+  IDirect3DDevice9* device = nullptr;
+  CD3DSettings settings{};
+};
+
+Snapshot Take() {
+  Snapshot s{g_App.m_player.GetPosition(),
+             g_App.m_player.GetVelocity(),
+             {},
+             g_App.m_device,
+             g_App.m_settings};
+  void* data = nullptr;
+  IDirect3DVertexBuffer9* buffer = g_App.m_bodyMesh.m_vertexBuffer;
+  if (buffer && SUCCEEDED(buffer->Lock(0, 0, &data, D3DLOCK_READONLY))) {
+    for (int i = 0; i < 8; ++i)
+      s.bodyColours.push_back(static_cast<const CVertex*>(data)[i].m_diffuse);
+    buffer->Unlock();
+  }
+  return s;
+}
+
+long ResidentKiB() {
+  long pages = 0, resident = 0;
+  if (FILE* statm = std::fopen("/proc/self/statm", "r")) {
+    if (std::fscanf(statm, "%ld %ld", &pages, &resident) != 2) resident = 0;
+    std::fclose(statm);
+  }
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// GL names alive in the device's context, by kind: textures, buffers,
+// framebuffers, renderbuffers, vertex arrays, programs, shaders.
+using GlCounts = std::array<int, 7>;
+GlCounts LiveGlObjects() {
+  GlCounts live{};
+  for (GLuint name = 1; name < 65536; ++name) {
+    const GLboolean alive[7] = {
+        glIsTexture(name),     glIsBuffer(name),  glIsFramebuffer(name), glIsRenderbuffer(name),
+        glIsVertexArray(name), glIsProgram(name), glIsShader(name)};
+    for (int kind = 0; kind < 7; ++kind) live[kind] += alive[kind];
+  }
+  return live;
+}
+
+// Another entry than the selected one in the first of these lists that has one.
+bool PickAnother(HWND dlg, std::initializer_list<int> ids, int* picked) {
+  const win32::DialogInfo info = win32::DescribeDialog(dlg);
+  for (int id : ids)
+    for (const auto& control : info.controls)
+      if (control.id == id && control.entries.size() > 1) {
+        win32::UserSelect(control.handle, control.selected == 0 ? 1 : 0);
+        *picked = id;
+        return true;
+      }
+  return false;
+}
+
+struct Record {
+  Snapshot beforeOk, afterOk, beforeCancel, afterCancel;
+  int pickedList = 0;
+  std::uint32_t dialogs = 0, presentsAfterOk = 0;
+  // After each of the repeated changes, a frame later.
+  struct Sample {
+    long residentKiB, heapKiB;
+    GlCounts gl;
+    D3DMULTISAMPLE_TYPE samples;
+  };
+  std::vector<Sample> samples;
+  int exitCode = -1;
+};
+
+const Record& RunProgram() {
+  static Record* record = [] {
+    auto* r = new Record;
+    win32::script::Options options;
+    options.realWindows = true;
+    options.maxFrames = kRepeatFrom + 2 * kRepeats + 20;
+    win32::script::Enable(options);
+    win32::script::Command(kOkAt, kChangeDevice);
+    win32::script::Command(kCancelAt, kChangeDevice);
+    for (std::uint32_t i = 0; i < kRepeats; ++i)
+      win32::script::Command(kRepeatFrom + 2 * i, kChangeDevice);
+    win32::script::KeyDown(kRepeatFrom + 2 * kRepeats + 2, VK_ESCAPE);
+    win32::script::SetDialogCallback([r](HWND dlg, std::uint32_t turn) {
+      if (turn == 0) {
+        ++r->dialogs;
+        if (r->dialogs == 1) r->beforeOk = Take();
+        if (r->dialogs == 2) r->beforeCancel = Take();
+        int picked = 0;
+        if (!PickAnother(dlg, {IDC_MULTISAMPLE_TYPE_COMBO, IDC_PRESENTINTERVAL_COMBO}, &picked))
+          return false;
+        if (r->dialogs == 1) r->pickedList = picked;
+        return true;
+      }
+      win32::UserClick(GetDlgItem(dlg, r->dialogs == 2 ? IDCANCEL : IDOK));
+      return true;
+    });
+    win32::script::SetFrameCallback([r](std::uint32_t frame) {
+      d3d9gl::FrameStats stats;
+      if (frame == kOkAt) r->afterOk = Take();
+      if (frame == kOkAt + 2 && d3d9gl::GetFrameStats(g_App.m_device, stats))
+        r->presentsAfterOk = stats.presents;
+      if (frame == kCancelAt) r->afterCancel = Take();
+      // Counted a frame after a change, with the new device's context current.
+      if (frame > kRepeatFrom && frame <= kRepeatFrom + 2 * kRepeats &&
+          (frame - kRepeatFrom) % 2 == 1) {
+        const long heap = static_cast<long>(mallinfo2().uordblks / 1024);
+        r->samples.push_back({ResidentKiB(), heap, LiveGlObjects(),
+                              g_App.m_settings.GetCurrentSettings().m_multiSampleType});
+      }
+    });
+    r->exitCode =
+        WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT);
+    win32::script::SetFrameCallback(nullptr);
+    win32::script::SetDialogCallback(nullptr);
+    win32::script::Disable();
+    return r;
+  }();
+  return *record;
+}
+
+TEST(DeviceChange, OkRebuildsTheWorldOnANewDeviceAndTheGameStateStays) {
+  const Record& r = RunProgram();
+  ASSERT_NE(r.pickedList, 0) << "the machine offers one multisample type and one present interval";
+  const CD3DDisplaySettings& before = r.beforeOk.settings.GetCurrentSettings();
+  const CD3DDisplaySettings& after = r.afterOk.settings.GetCurrentSettings();
+  if (r.pickedList == IDC_MULTISAMPLE_TYPE_COMBO) {
+    EXPECT_NE(after.m_multiSampleType, before.m_multiSampleType);
+  } else {
+    EXPECT_NE(after.m_presentInterval, before.m_presentInterval);
+  }
+  EXPECT_NE(r.afterOk.device, r.beforeOk.device);
+  EXPECT_EQ(g_App.m_device, nullptr);  // released at the end of the run
+  EXPECT_EQ(r.afterOk.bodyColours.size(), 8u);
+  EXPECT_NE(r.afterOk.bodyColours, r.beforeOk.bodyColours);
+  EXPECT_EQ(r.afterOk.position, r.beforeOk.position);
+  EXPECT_EQ(r.afterOk.velocity, r.beforeOk.velocity);
+  EXPECT_GE(r.presentsAfterOk, 1u);
+  EXPECT_EQ(r.exitCode, 0);
+}
+
+TEST(DeviceChange, CancelChangesNothing) {
+  const Record& r = RunProgram();
+  EXPECT_EQ(r.afterCancel.device, r.beforeCancel.device);
+  EXPECT_EQ(r.afterCancel.bodyColours, r.beforeCancel.bodyColours);
+  EXPECT_EQ(std::memcmp(&r.afterCancel.settings, &r.beforeCancel.settings, sizeof(CD3DSettings)),
+            0);
+}
+
+TEST(DeviceChange, AHundredChangesKeepMemoryAndGlObjectsFlat) {
+  const Record& r = RunProgram();
+  EXPECT_EQ(r.dialogs, kRepeats + 2);
+  ASSERT_EQ(r.samples.size(), kRepeats);
+  long rssLow = r.samples[0].residentKiB, rssHigh = rssLow;
+  for (std::size_t i = 0; i < r.samples.size(); ++i) {
+    const auto& [rss, heap, gl, samples] = r.samples[i];
+    rssLow = std::min(rssLow, rss), rssHigh = std::max(rssHigh, rss);
+    if (i % 30 == kWarm - 1 || i + 2 >= kRepeats)
+      std::printf(
+          "after %3zu changes (%s): %ld KiB resident, %ld KiB heap; GL textures %d, buffers %d, "
+          "framebuffers %d, renderbuffers %d, vertex arrays %d, programs %d, shaders %d\n",
+          i + 1, MultiSampleTypeName(samples), rss, heap, gl[0], gl[1], gl[2], gl[3], gl[4], gl[5],
+          gl[6]);
+    // The same settings as after the warm-up change of the same parity: the same objects.
+    if (i >= kWarm) {
+      EXPECT_EQ(gl, r.samples[kWarm - 2 + i % 2].gl) << "after change " << i + 1;
+    }
+  }
+  std::printf("resident over changes 1-%u: %ld - %ld KiB\n", kRepeats, rssLow, rssHigh);
+  EXPECT_GT(r.samples[0].gl[0], 0);
+  // A world left behind would be megabytes each time.
+  EXPECT_LT(r.samples.back().heapKiB - r.samples[kWarm - 2 + (kRepeats - 1) % 2].heapKiB, 8 * 1024);
+}
+
+}  // namespace

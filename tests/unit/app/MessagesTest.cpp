@@ -1,0 +1,217 @@
+// HandleWindowMessage and StaticWindowProc on a record-only window of the
+// scripted back end, with fakes for Direct3D: the menu commands against the
+// values they must set, size changes, the keys that come as messages, and
+// the roads to the end of the run.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/win32/Win32Script.h"
+#include "support/FakeDirect3D.h"
+#include "support/RecordingDevice.h"
+#include "unit/render/AppUnderTest.h"
+#include "view/Camera.h"
+
+namespace {
+
+using Values = std::map<std::string, double>;
+
+class Messages : public ::testing::Test {
+ protected:
+  Messages() {
+    win32::script::Enable({.realWindows = false});
+    caps.MaxAnisotropy = 64;
+    app->m_d3d = &d3d;
+    app->m_device = &device;
+    WNDCLASSA windowClass{};
+    windowClass.lpfnWndProc = &CGameApp::StaticWindowProc;
+    windowClass.lpszClassName = "messages test";
+    RegisterClassA(&windowClass);
+    hWnd = CreateWindowExA(0, "messages test", "", WS_OVERLAPPEDWINDOW, 0, 0, 640, 480, nullptr,
+                           nullptr, nullptr, static_cast<CGameApp*>(app.operator->()));
+    app->m_hWnd = hWnd;
+    SetMenu(hWnd, app->m_hMenu);
+    app->ResetGameState();
+  }
+  ~Messages() override {
+    app->m_d3d = nullptr;
+    app->m_device = nullptr;
+    app->m_camera = nullptr;
+    DestroyWindow(hWnd);
+    win32::script::Disable();
+  }
+
+  LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+    return app->HandleWindowMessage(hWnd, message, wParam, lParam);
+  }
+  // True when a quit message waits (and takes the queue's messages out).
+  static bool QuitPosted() {
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+      if (msg.message == WM_QUIT) return true;
+    return false;
+  }
+  // Everything a command may set, by name.
+  Values Snapshot() {
+    CPlayer& p = app->m_player;
+    return {
+        {"fill", app->m_fillMode},          {"colorOp", app->m_colorOp},
+        {"mag", app->m_magFilter},          {"min", app->m_minFilter},
+        {"mip", app->m_mipFilter},          {"anisotropy", app->m_maxAnisotropy},
+        {"singlePass", app->m_singlePass},  {"friction", p.GetFriction()},
+        {"gravity", p.GetGravity().y},      {"maxXZ", p.GetMaxVelocityXZ()},
+        {"maxY", p.GetMaxVelocityY()},      {"offsetY", p.GetCameraOffset().y},
+        {"offsetZ", p.GetCameraOffset().z}, {"lag", p.GetCameraLag()},
+        {"mode", p.GetCameraMode()},        {"cameraIsPlayers", app->m_camera == p.GetCamera()}};
+  }
+
+  FakeDirect3D d3d{{FakeDirect3D::GoodAdapter()}};
+  D3DCAPS9& caps = d3d.adapters[0].devices[D3DDEVTYPE_HAL];
+  karvo_test::RecordingDevice device;
+  AppUnderTest app;
+  HWND hWnd = nullptr;
+};
+
+const Values kFirst = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
+                       {"offsetY", 10},   {"offsetZ", 0},    {"lag", 0},     {"mode", 1}};
+const Values kSpace = {{"friction", 125}, {"gravity", 0}, {"maxXZ", 400}, {"maxY", 400},
+                       {"offsetY", 0},    {"offsetZ", 0}, {"lag", 0},     {"mode", 3}};
+const Values kThird = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
+                       {"offsetY", 40},   {"offsetZ", -60},  {"lag", 0.25},  {"mode", 2}};
+
+TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndNothingElse) {
+  // Commands in number order; 40015 to 40018 are no commands. The colour
+  // ops are not in value order: 8, 9, 7, 10, 4, 5, 6.
+  const std::map<UINT, Values> table = {{40010, kFirst},
+                                        {40011, kSpace},
+                                        {40012, kThird},
+                                        {40013, {{"fill", 3}}},
+                                        {40014, {{"fill", 2}}},
+                                        {40015, {}},
+                                        {40016, {}},
+                                        {40017, {}},
+                                        {40018, {}},
+                                        {40019, {{"mip", 0}}},
+                                        {40020, {{"mip", 1}}},
+                                        {40021, {{"mip", 2}}},
+                                        {40022, {{"singlePass", 1}}},
+                                        {40023, {{"singlePass", 0}}},
+                                        {40024, {{"colorOp", 8}}},
+                                        {40025, {{"colorOp", 9}}},
+                                        {40026, {{"colorOp", 7}}},
+                                        {40027, {{"colorOp", 10}}},
+                                        {40028, {{"colorOp", 4}}},
+                                        {40029, {{"colorOp", 5}}},
+                                        {40030, {{"colorOp", 6}}},
+                                        {40031, {{"min", 0}}},
+                                        {40032, {{"min", 1}}},
+                                        {40033, {{"min", 2}}},
+                                        {40034, {{"min", 3}}},
+                                        {40035, {{"mag", 0}}},
+                                        {40036, {{"mag", 1}}},
+                                        {40037, {{"mag", 2}}},
+                                        {40038, {{"mag", 3}}},
+                                        {40039, {{"anisotropy", 1}}},
+                                        {40040, {{"anisotropy", 2}}},
+                                        {40041, {{"anisotropy", 4}}},
+                                        {40042, {{"anisotropy", 8}}},
+                                        {40043, {{"anisotropy", 16}}},
+                                        {40044, {{"anisotropy", 32}}},
+                                        {40045, {{"anisotropy", 64}}}};
+  // Walked down twice, from two starting points, so that a command that
+  // happens to find its own value in one round changes it in the other.
+  for (UINT start : {40045u, 40010u}) {
+    Send(WM_COMMAND, start == 40045u ? 40012 : 40031);
+    for (UINT command = 40045; command >= 40010; --command) {
+      Values expected = Snapshot();
+      for (const auto& [name, value] : table.at(command)) expected[name] = value;
+      Send(WM_COMMAND, command);
+      EXPECT_EQ(Snapshot(), expected) << "command " << command;
+    }
+  }
+}
+
+TEST_F(Messages, RenderStateCommandsMoveTheirMarksAndCameraCommandsTheirs) {
+  // Command, then the group's first and last and the marks they must show.
+  const struct {
+    UINT command, first, last;
+    const char* marks;
+  } rows[] = {
+      {40014, 40013, 40014, "01"},      {40013, 40013, 40014, "10"},
+      {40020, 40019, 40021, "010"},     {40023, 40022, 40023, "01"},
+      {40022, 40022, 40023, "10"},      {40027, 40024, 40030, "0001000"},
+      {40030, 40024, 40030, "0000001"}, {40031, 40031, 40034, "1000"},
+      {40038, 40035, 40038, "0001"},    {40041, 40039, 40045, "0010000"},
+      {40011, 40010, 40012, "010"},     {40011, 40010, 40012, "010"},
+  };
+  for (const auto& row : rows) {
+    Send(WM_COMMAND, row.command);
+    EXPECT_EQ(app.Checked(row.first, row.last), row.marks) << "command " << row.command;
+  }
+  EXPECT_FALSE(app.RenderStatesPopupGreyed(5));
+  Send(WM_COMMAND, 40023);
+  EXPECT_TRUE(app.RenderStatesPopupGreyed(5)) << "Multi Pass greys Color Blending Ops";
+}
+
+TEST_F(Messages, ChoosingTheCurrentCameraModeReappliesItsValuesOnTheSameCamera) {
+  CCamera* camera = app->m_camera;
+  app->m_player.SetFriction(1.0f);
+  app->m_player.SetCameraOffset(D3DXVECTOR3(0, 99, 0));
+  Send(WM_COMMAND, 40010);
+  EXPECT_EQ(app->m_camera, camera);
+  EXPECT_EQ(app->m_player.GetFriction(), 250.0f);
+  EXPECT_EQ(app->m_player.GetCameraOffset().y, 10.0f);
+  EXPECT_EQ(app.Checked(40010, 40012), "100");
+}
+
+TEST_F(Messages, MinimiseStopsFramesAndRestoreResetsWithoutTouchingTheWorld) {
+  const D3DXVECTOR3 position = app->m_player.GetPosition();
+  device.ClearLog();
+  EXPECT_EQ(Send(WM_SIZE, SIZE_MINIMIZED, 0), 0);
+  EXPECT_FALSE(app->m_active);
+  EXPECT_EQ(device.Count("Reset"), 0u);
+  Send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(640, 461));
+  EXPECT_TRUE(app->m_active);
+  EXPECT_EQ(device.Count("Reset"), 1u);
+  EXPECT_GT(device.Count("SetRenderState"), 0u) << "no ApplyRenderStates after the reset";
+  EXPECT_EQ(app->m_player.GetPosition(), position);
+}
+
+TEST_F(Messages, ExitTheCloseBoxAndEscapeEndInTheSameQuitButNothingBeforeCreate) {
+  EXPECT_EQ(Send(WM_COMMAND, 40006), 0);
+  EXPECT_TRUE(QuitPosted());
+  EXPECT_EQ(CGameApp::StaticWindowProc(hWnd, WM_CLOSE, 0, 0), 0);
+  EXPECT_TRUE(QuitPosted());
+  Send(WM_KEYDOWN, VK_ESCAPE);
+  EXPECT_TRUE(QuitPosted());
+  Send(WM_KEYDOWN, VK_RETURN);  // Enter without Shift does nothing
+  EXPECT_FALSE(QuitPosted());
+
+  // A window whose WM_CREATE has not come: the default procedure answers,
+  // and a close posts no quit.
+  SetWindowLongA(hWnd, GWL_USERDATA, 0);
+  EXPECT_EQ(CGameApp::StaticWindowProc(hWnd, WM_NCCREATE, 0, 0), TRUE);
+  CGameApp::StaticWindowProc(hWnd, WM_CLOSE, 0, 0);
+  EXPECT_FALSE(QuitPosted());
+}
+
+TEST_F(Messages, ShiftEnterToFullScreenAndBackKeepsTheWorldAndReattachesTheMenu) {
+  const D3DXVECTOR3 position = app->m_player.GetPosition();
+  device.ClearLog();
+  win32::script::KeyDown(0, VK_SHIFT);
+  QuitPosted();  // delivers the scripted Shift
+  ASSERT_TRUE(GetKeyState(VK_SHIFT) & 0xFF00);
+  Send(WM_KEYDOWN, VK_RETURN);
+  EXPECT_FALSE(app->m_settings.m_windowed);
+  EXPECT_EQ(GetMenu(hWnd), nullptr);
+  Send(WM_KEYDOWN, VK_RETURN);
+  EXPECT_TRUE(app->m_settings.m_windowed);
+  EXPECT_EQ(GetMenu(hWnd), app->m_hMenu);
+  EXPECT_GE(device.Count("Reset"), 2u);
+  EXPECT_EQ(app->m_player.GetPosition(), position);
+  EXPECT_TRUE(app->m_active);
+}
+
+}  // namespace

@@ -1,0 +1,276 @@
+// The settings dialog's cascade on scripted enumeration trees, run through
+// the real modal loop of the win32 layer on record-only windows; the script
+// plays the user.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/Resources.h"
+#include "device/D3DSettingsDlg.h"
+#include "platform/win32/Win32Dialogs.h"
+#include "platform/win32/Win32Script.h"
+#include "support/FakeDirect3D.h"
+
+namespace {
+
+using Fake = FakeDirect3D;
+using Texts = std::vector<std::string>;
+using Step = std::function<void(HWND)>;
+
+constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
+constexpr D3DFORMAT R5 = D3DFMT_R5G6B5;
+
+const win32::DialogControlInfo* Find(const win32::DialogInfo& info, int id) {
+  for (const auto& control : info.controls)
+    if (control.id == id) return &control;
+  return nullptr;
+}
+
+// A user's selection of the entry with this text.
+Step Pick(int id, const std::string& text) {
+  return [id, text](HWND dlg) {
+    const win32::DialogInfo info = win32::DescribeDialog(dlg);
+    const auto* list = Find(info, id);
+    for (std::size_t i = 0; list && i < list->entries.size(); ++i)
+      if (list->entries[i] == text) win32::UserSelect(list->handle, static_cast<int>(i));
+  };
+}
+Step Click(int id) {
+  return [id](HWND dlg) { win32::UserClick(GetDlgItem(dlg, id)); };
+}
+
+// One dialog run: the steps run one per turn, once the cascade has settled;
+// a snapshot of the dialog is taken before each step and after the last,
+// then the last step's button ends it (OK unless the steps end it).
+struct DialogRun {
+  int result = 0;
+  CD3DSettings settings{};
+  std::vector<win32::DialogInfo> shots;
+  std::vector<std::pair<int, int>> events;  // (control, notification) as the dialog heard them
+};
+
+std::vector<std::pair<int, int>>* s_events = nullptr;
+
+INT_PTR CALLBACK RecordingProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_COMMAND && s_events) s_events->push_back({LOWORD(wParam), HIWORD(wParam)});
+  return CD3DSettingsDlg::StaticDialogProc(dlg, message, wParam, lParam);
+}
+
+DialogRun Open(Fake& d3d, const CD3DSettings* start, std::vector<Step> steps = {},
+               bool recordEvents = false) {
+  RegisterResources();
+  win32::script::Options options;
+  options.realWindows = false;
+  win32::script::Enable(options);
+  DialogRun run;
+  CD3DInitialize init;
+  EXPECT_EQ(init.Enumerate(&d3d), S_OK);
+  win32::script::SetDialogCallback([&](HWND dlg, std::uint32_t turn) {
+    run.shots.push_back(win32::DescribeDialog(dlg));
+    if (turn < steps.size()) {
+      steps[turn](dlg);
+    } else {
+      win32::UserClick(GetDlgItem(dlg, IDOK));
+    }
+    return true;
+  });
+  CD3DSettingsDlg dialog;
+  if (recordEvents) {
+    s_events = &run.events;
+    dialog.m_initialize = &init;
+    dialog.m_settings = *start;
+    run.result =
+        static_cast<int>(DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(103), nullptr,
+                                         RecordingProc, reinterpret_cast<LPARAM>(&dialog)));
+    s_events = nullptr;
+  } else {
+    run.result = dialog.ShowDialog(&init, start, nullptr);
+  }
+  run.settings = dialog.GetSettings();
+  win32::script::SetDialogCallback(nullptr);
+  return run;
+}
+
+// Full-screen settings on the good adapter's desktop mode.
+CD3DSettings FullScreen(const Fake& d3d) {
+  CD3DSettings settings{};
+  CD3DDisplaySettings& s = settings.m_fullscreenSettings;
+  s.m_displayMode = d3d.adapters[0].desktop;
+  s.m_deviceType = D3DDEVTYPE_HAL;
+  s.m_backBufferFormat = X8;
+  s.m_depthStencilFormat = D3DFMT_D24S8;
+  s.m_vertexProcessing = HARDWARE_VP;
+  return settings;
+}
+
+Fake ModesAdapter() {
+  Fake d3d({Fake::GoodAdapter()});
+  d3d.adapters[0].modes = {{800, 600, 60, X8},
+                           {1024, 768, 60, X8},
+                           {800, 600, 75, X8},
+                           {1024, 768, 85, X8},
+                           {640, 480, 60, R5}};
+  d3d.adapters[0].backBufferFormats.insert(R5);
+  return d3d;
+}
+
+TEST(SettingsDialog, OpensWithEveryListFilledAndOkGivesTheSettingsBack) {
+  Fake d3d = ModesAdapter();
+  d3d.adapters[0].multiSample = {
+      {D3DMULTISAMPLE_NONE, 1}, {D3DMULTISAMPLE_2_SAMPLES, 0}, {D3DMULTISAMPLE_4_SAMPLES, 3}};
+  CD3DSettings start = FullScreen(d3d);
+  start.m_fullscreenSettings.m_displayMode = {1024, 768, 85, X8};
+  start.m_fullscreenSettings.m_multiSampleType = D3DMULTISAMPLE_4_SAMPLES;
+  start.m_fullscreenSettings.m_multiSampleQuality = 2;
+  const DialogRun run = Open(d3d, &start,
+                             {Pick(IDC_MULTISAMPLE_TYPE_COMBO, "D3DMULTISAMPLE_NONE"),
+                              Pick(IDC_MULTISAMPLE_TYPE_COMBO, "D3DMULTISAMPLE_2_SAMPLES")});
+  ASSERT_EQ(run.shots.size(), 3u);
+  const struct {
+    int id;
+    Texts entries;
+    int selected;
+  } lists[] = {
+      {IDC_ADAPTER_COMBO, {"Fake adapter 0"}, 0},
+      {IDC_DEVICE_COMBO, {"D3DDEVTYPE_HAL"}, 0},
+      {IDC_ADAPTERFORMAT_COMBO, {"D3DFMT_X8R8G8B8", "D3DFMT_R5G6B5"}, 0},
+      // one entry per size; the rates of the chosen size only
+      {IDC_RESOLUTION_COMBO, {"800 x 600", "1024 x 768"}, 1},
+      {IDC_REFRESHRATE_COMBO, {"60 Hz", "85 Hz"}, 1},
+      {IDC_BACKBUFFERFORMAT_COMBO, {"D3DFMT_A8R8G8B8", "D3DFMT_X8R8G8B8", "D3DFMT_R5G6B5"}, 1},
+      {IDC_DEPTHSTENCILFORMAT_COMBO, {"D3DFMT_D24S8", "D3DFMT_D16"}, 0},
+      {IDC_MULTISAMPLE_TYPE_COMBO,
+       {"D3DMULTISAMPLE_NONE", "D3DMULTISAMPLE_2_SAMPLES", "D3DMULTISAMPLE_4_SAMPLES"},
+       2},
+      {IDC_MULTISAMPLE_QUALITY_COMBO, {"0", "1", "2"}, 2},
+      {IDC_VERTEXPROCESSING_COMBO, {"HARDWARE_VP", "MIXED_VP", "SOFTWARE_VP"}, 0},
+      {IDC_PRESENTINTERVAL_COMBO,
+       {"D3DPRESENT_INTERVAL_IMMEDIATE", "D3DPRESENT_INTERVAL_DEFAULT", "D3DPRESENT_INTERVAL_ONE",
+        "D3DPRESENT_INTERVAL_TWO", "D3DPRESENT_INTERVAL_THREE", "D3DPRESENT_INTERVAL_FOUR"},
+       1},
+  };
+  for (const auto& list : lists) {
+    const auto* shown = Find(run.shots[0], list.id);
+    ASSERT_NE(shown, nullptr) << list.id;
+    EXPECT_EQ(shown->entries, list.entries) << list.id;
+    EXPECT_EQ(shown->selected, list.selected) << list.id;
+    EXPECT_TRUE(shown->enabled) << list.id;
+  }
+  // A type counted with one quality level gives the single entry 0; one with
+  // none leaves the list empty.
+  EXPECT_EQ(Find(run.shots[1], IDC_MULTISAMPLE_QUALITY_COMBO)->entries, Texts{"0"});
+  EXPECT_TRUE(Find(run.shots[2], IDC_MULTISAMPLE_QUALITY_COMBO)->entries.empty());
+
+  EXPECT_EQ(run.result, IDOK);
+  EXPECT_FALSE(run.settings.m_windowed);
+  const CD3DDisplaySettings& s = run.settings.m_fullscreenSettings;
+  EXPECT_EQ(s.m_multiSampleType, D3DMULTISAMPLE_2_SAMPLES);
+  EXPECT_EQ(s.m_multiSampleQuality, 0u);  // the last quality stored, from the one-level type
+  EXPECT_EQ(s.m_displayMode.RefreshRate, 85u);
+  EXPECT_EQ(s.m_presentInterval, D3DPRESENT_INTERVAL_DEFAULT);
+}
+
+TEST(SettingsDialog, AFullScreenOnlyDeviceTurnsAWindowedStartIntoFullScreen) {
+  Fake d3d({Fake::GoodAdapter()});
+  d3d.adapters[0].fullscreenOnly = true;
+  CD3DSettings start = FullScreen(d3d);
+  start.m_windowed = true;
+  const DialogRun run = Open(d3d, &start);
+  const auto* windowed = Find(run.shots[0], IDC_WINDOW);
+  const auto* full = Find(run.shots[0], IDC_FULLSCREEN);
+  EXPECT_FALSE(windowed->enabled);
+  EXPECT_FALSE(windowed->checked);
+  EXPECT_TRUE(full->enabled);
+  EXPECT_TRUE(full->checked);
+  EXPECT_FALSE(run.settings.m_windowed);
+}
+
+TEST(SettingsDialog, TheWindowedSwitchGreysTheModeListsAndBackRefillsThemFromTheFullScreenSide) {
+  Fake d3d = ModesAdapter();
+  CD3DSettings start = FullScreen(d3d);
+  start.m_fullscreenSettings.m_displayMode = {800, 600, 75, X8};
+  start.m_windowedSettings = start.m_fullscreenSettings;
+  start.m_windowedSettings.m_displayMode = d3d.adapters[0].desktop;
+  const DialogRun run = Open(d3d, &start, {Click(IDC_WINDOW), Click(IDC_FULLSCREEN)});
+  ASSERT_EQ(run.shots.size(), 3u);
+  const struct {
+    int id;
+    std::string windowed;
+    Texts full;
+    int selected;
+  } lists[] = {
+      {IDC_ADAPTERFORMAT_COMBO, "D3DFMT_X8R8G8B8", {"D3DFMT_X8R8G8B8", "D3DFMT_R5G6B5"}, 0},
+      {IDC_RESOLUTION_COMBO, "1024 x 768", {"800 x 600", "1024 x 768"}, 0},
+      {IDC_REFRESHRATE_COMBO, "60 Hz", {"60 Hz", "75 Hz"}, 1},
+  };
+  for (const auto& list : lists) {
+    const auto* windowed = Find(run.shots[1], list.id);
+    EXPECT_EQ(windowed->entries, Texts{list.windowed}) << list.id;
+    EXPECT_EQ(windowed->selected, 0) << list.id;
+    EXPECT_FALSE(windowed->enabled) << list.id;
+    const auto* back = Find(run.shots[2], list.id);
+    EXPECT_EQ(back->entries, list.full) << list.id;
+    EXPECT_EQ(back->selected, list.selected) << list.id;
+    EXPECT_TRUE(back->enabled) << list.id;
+  }
+  // The side not shown kept its values.
+  EXPECT_FALSE(run.settings.m_windowed);
+  EXPECT_EQ(run.settings.m_windowedSettings.m_displayMode.Width, 1024u);
+  EXPECT_EQ(run.settings.m_fullscreenSettings.m_displayMode.RefreshRate, 75u);
+}
+
+TEST(SettingsDialog, AStartValueMissingFromAListFallsBackToItsFirstEntry) {
+  Fake d3d({Fake::GoodAdapter(), Fake::GoodAdapter()});
+  d3d.adapters[1].desktop = {1280, 1024, 60, X8};
+  CD3DSettings start{};
+  start.m_windowed = true;
+  start.m_windowedSettings.m_adapterOrdinal = 1;
+  start.m_windowedSettings.m_deviceType = D3DDEVTYPE_REF;  // not offered
+  start.m_windowedSettings.m_backBufferFormat = R5;        // not offered
+  start.m_windowedSettings.m_depthStencilFormat = D3DFMT_D32;
+  const DialogRun run = Open(d3d, &start, {Pick(IDC_ADAPTER_COMBO, "Fake adapter 0")});
+  // The windowed resolution shows the desktop of the adapter chosen.
+  EXPECT_EQ(Find(run.shots[0], IDC_RESOLUTION_COMBO)->entries, Texts{"1280 x 1024"});
+  EXPECT_EQ(Find(run.shots[1], IDC_RESOLUTION_COMBO)->entries, Texts{"1024 x 768"});
+  const CD3DDisplaySettings& s = run.settings.m_windowedSettings;
+  EXPECT_EQ(s.m_adapterOrdinal, 0u);
+  EXPECT_EQ(s.m_deviceType, D3DDEVTYPE_HAL);
+  EXPECT_EQ(s.m_backBufferFormat, D3DFMT_A8R8G8B8);
+  EXPECT_EQ(s.m_depthStencilFormat, D3DFMT_D24S8);
+  EXPECT_EQ(s.m_displayMode.Width, 1024u);
+}
+
+TEST(SettingsDialog, RefillsRaiseTheirEventsInQueueOrderEvenWithoutAChange) {
+  Fake d3d = ModesAdapter();
+  CD3DSettings start = FullScreen(d3d);
+  const DialogRun run = Open(d3d, &start, {Pick(IDC_ADAPTER_COMBO, "Fake adapter 0")}, true);
+  const std::vector<std::pair<int, int>> open = {
+      {1001, CBN_SELCHANGE}, {1002, CBN_SELCHANGE}, {1003, CBN_SELCHANGE}, {1004, CBN_SELCHANGE},
+      {1009, CBN_SELCHANGE}, {1005, CBN_SELCHANGE}, {1011, CBN_SELCHANGE}, {1012, CBN_SELCHANGE},
+      {1013, CBN_SELCHANGE}, {1014, CBN_SELCHANGE}, {1010, CBN_SELCHANGE}};
+  ASSERT_EQ(run.events.size(), 2 * open.size() + 1);
+  EXPECT_EQ(std::vector(run.events.begin(), run.events.begin() + 11), open);
+  // The same adapter picked again runs the whole chain again, then OK.
+  EXPECT_EQ(std::vector(run.events.begin() + 11, run.events.begin() + 22), open);
+  EXPECT_EQ(run.events.back(), std::make_pair(IDOK, BN_CLICKED));
+}
+
+TEST(SettingsDialog, CancelAnswersTwoAndANullStartIsTheDesktopOfAdapterZeroInAWindow) {
+  Fake d3d = ModesAdapter();
+  const DialogRun run =
+      Open(d3d, nullptr, {Pick(IDC_BACKBUFFERFORMAT_COMBO, "D3DFMT_A8R8G8B8"), Click(IDCANCEL)});
+  EXPECT_EQ(run.result, IDCANCEL);
+  EXPECT_TRUE(Find(run.shots[0], IDC_WINDOW)->checked);
+  EXPECT_EQ(Find(run.shots[0], IDC_RESOLUTION_COMBO)->entries, Texts{"1024 x 768"});
+  // Without a script the dialog is cancelled at once.
+  win32::script::Enable({.realWindows = false});
+  CD3DInitialize init;
+  init.Enumerate(&d3d);
+  CD3DSettingsDlg dialog;
+  EXPECT_EQ(dialog.ShowDialog(&init, nullptr, nullptr), IDCANCEL);
+}
+
+}  // namespace
