@@ -292,3 +292,40 @@ TEST(Draw, TreesShowNoKeyColourAndTheBigTreeStopsTheWalker) {
       Capture(AssetVariant("big-tree", true, Objects::BigTree), "big-tree", walk, 260);
   EXPECT_GT(Share(big, Kind::BigTree, 0.0, 0.07, 0.35, 0.95), 0.9);
 }
+
+TEST(Draw, TheSeaTintsADiverAndRainAndTheFlockShow) {
+  // What the tint 0xBF547686 can make of whatever lies behind it.
+  auto tinted = [](Rgb p) {
+    return p.r >= 61 && p.r <= 129 && p.g >= 86 && p.g <= 154 && p.b >= 98 && p.b <= 166;
+  };
+  // Tinted share of the pixels of row y (every 4th column).
+  auto row = [&](const Image& image, int y) {
+    int count = 0;
+    for (int x = 0; x < image.width; x += 4) count += tinted(image.At(x, y));
+    return count * 4.0 / image.width;
+  };
+  // A diver on the sea bed: all tinted but the weeds, which come after the sea.
+  const Image under = Capture(fs::current_path(), "under", "--place 11264,580,1920", 5);
+  ASSERT_GT(under.height, 0);
+  double share = 0.0;
+  for (int y = 0; y < under.height; ++y) share += row(under, y) / under.height;
+  EXPECT_GT(share, 0.9);
+  // The eye 0.3 above the surface: the tint below one straight row, none above.
+  const Image line =
+      Capture(fs::current_path(), "line", "--step 0.001 --place 11264,854.3,1920", 3);
+  ASSERT_GT(line.height, 0);
+  const int edge = static_cast<int>(line.height * 0.42);
+  EXPECT_GT(row(line, edge + 5), 0.9);
+  EXPECT_LT(row(line, edge - 5), 0.1);
+
+  // Looking a little up at the start: the same frame with the rain switched
+  // off from the first frame has no streaks.
+  const Image rain = Capture(fs::current_path(), "rain", "--hold q:1-40", 150);
+  const Image dry = Capture(fs::current_path(), "dry", "--hold q:1-40 --rain-off 1", 150);
+  EXPECT_GT(MeanDifference(rain, dry, 0.0, 0.5), 0.5);
+
+  // Straight up once the last drops have landed: the flock's wings against
+  // the flat sky (the plants of these assets are invisible).
+  const Image flock = Capture(MarkedAssets(), "flock", "--hold q:1-240 --rain-off 1", 240);
+  EXPECT_GT(Share(flock, Kind::Other), 0.0005);
+}
