@@ -42,7 +42,9 @@ constexpr std::uint32_t kSettleFrames = 10;  // the body lands, the sorts catch 
 
 struct Place {
   const char* name;
-  float x, z, yaw;  // yaw in degrees, 0 looks along +z
+  float x, z, yaw;      // yaw in degrees, 0 looks along +z
+  float y = 5000.0f;    // where the walker is let go; gravity brings it down
+  float pitch = 0.0f;   // degrees, negative looks up
 };
 
 // The high ground: the tree with the most others within 1200 units, the
@@ -91,9 +93,9 @@ std::uint32_t FramesPerPlace() {
 
 void GoTo(const Place& p) {
   CPlayer& player = g_App.m_player;
-  player.SetPosition(D3DXVECTOR3(p.x, 5000.0f, p.z));  // gravity brings it down to the ground
+  player.SetPosition(D3DXVECTOR3(p.x, p.y, p.z));
   player.SetVelocity(D3DXVECTOR3(0.0f, 0.0f, 0.0f));
-  player.Rotate(0.0f, p.yaw - player.GetYaw(), 0.0f);
+  player.Rotate(p.pitch - player.GetPitch(), p.yaw - player.GetYaw(), 0.0f);
 }
 
 void SetGroundOnly(bool groundOnly) {
@@ -120,9 +122,15 @@ void OnFrameBoundary(std::uint32_t frame) {
   if (frame == 0) return;  // nothing drawn yet
 
   if (s_run.places.empty()) {
+    // The sea of the generated map lies north of (11264, 1434); there the
+    // eye stands at the water's edge, and at 1920 on the sea bed, where a
+    // swimmer would take minutes to sink to.
     s_run.places = {{"start", 1500.0f, 1500.0f, 45.0f},
                     {"facing the towers", 5000.0f, 600.0f, 0.0f},
-                    AmongTrees(g_App.m_terrain)};
+                    AmongTrees(g_App.m_terrain),
+                    {"shore, water line", 11264.0f, 1434.0f, 0.0f, 900.0f},
+                    {"under water", 11264.0f, 1920.0f, 0.0f, 570.0f},
+                    {"up at the flock", 1500.0f, 1500.0f, 45.0f, 5000.0f, -89.0f}};
     s_run.cases.resize(2 * s_run.places.size());
     GoTo(s_run.places[0]);
     return;
@@ -164,7 +172,7 @@ int main(int argc, char** argv) {
   }
   win32::script::Options script;
   script.realWindows = true;
-  script.maxFrames = 2 + 3 * FramesPerPlace();
+  script.maxFrames = 2 + 6 * FramesPerPlace();
   win32::script::Enable(script);
   win32::script::SetFrameCallback(OnFrameBoundary);
   s_run.last = std::chrono::steady_clock::now();

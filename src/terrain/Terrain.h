@@ -38,11 +38,9 @@ class CTerrain {
   static constexpr int MAX_FLOWERS = 10000;
   // Grid cells on a side of one block, and what follows from it.
   static constexpr std::uint32_t BLOCK_CELLS = 36;
-  static constexpr std::uint32_t BLOCK_SIDE_VERTICES = BLOCK_CELLS + 1;  // 37
-  static constexpr std::uint32_t BLOCK_VERTICES =
-      BLOCK_SIDE_VERTICES * BLOCK_SIDE_VERTICES;  // 1369
-  static constexpr std::uint32_t BLOCK_INDICES =
-      BLOCK_CELLS * 2 * BLOCK_SIDE_VERTICES + BLOCK_CELLS - 1;  // 2699
+  static constexpr std::uint32_t BLOCK_SIDE_VERTICES = BLOCK_CELLS + 1;                        // 37
+  static constexpr std::uint32_t BLOCK_VERTICES = BLOCK_SIDE_VERTICES * BLOCK_SIDE_VERTICES;   // 1369
+  static constexpr std::uint32_t BLOCK_INDICES = BLOCK_CELLS * 2 * BLOCK_SIDE_VERTICES + BLOCK_CELLS - 1;  // 2699
 
   CTerrain();
   virtual ~CTerrain();

@@ -5,10 +5,11 @@
 // colour operation, or two passes where the detail is blended over the base.
 // Each block is culled against the frustum by its bounding box in each pass.
 // After the ground the frame goes on into RenderScene.
+#include "terrain/Terrain.h"
+
 #include <cstdint>
 
 #include "terrain/Mesh.h"
-#include "terrain/Terrain.h"
 #include "view/Camera.h"
 
 void CTerrain::Render(CCamera* camera) {
@@ -19,20 +20,17 @@ void CTerrain::Render(CCamera* camera) {
     for (std::uint32_t i = 0; i < m_blockCount; ++i) {
       CMesh* block = m_blockMeshes[i];
       if (block == nullptr) continue;
-      if (camera != nullptr && !camera->BoundsInFrustum(block->m_boundsMin, block->m_boundsMax))
-        continue;
+      if (camera != nullptr && !camera->BoundsInFrustum(block->m_boundsMin, block->m_boundsMax)) continue;
       m_device->SetStreamSource(0, block->m_vertexBuffer, 0, block->m_vertexStride);
       m_device->SetIndices(block->m_indexBuffer);
-      m_device->DrawIndexedPrimitive(D3DPT_TRIANGLESTRIP, 0, 0, BLOCK_VERTICES, 0,
-                                     m_blockPrimitiveCount);
+      m_device->DrawIndexedPrimitive(D3DPT_TRIANGLESTRIP, 0, 0, BLOCK_VERTICES, 0, m_blockPrimitiveCount);
     }
   };
 
   m_device->SetTexture(0, m_baseTexture);
   if (m_singlePass) m_device->SetTexture(1, m_detailTexture);
   // All blocks share one vertex format.
-  if (m_blockCount > 0 && m_blockMeshes[0] != nullptr)
-    m_device->SetFVF(m_blockMeshes[0]->m_vertexFormat);
+  if (m_blockCount > 0 && m_blockMeshes[0] != nullptr) m_device->SetFVF(m_blockMeshes[0]->m_vertexFormat);
 
   drawVisibleBlocks();
 

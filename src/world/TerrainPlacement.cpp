@@ -12,9 +12,9 @@ namespace {
 
 // Candidate positions of trees and weeds: multiples of 10 from 0 to 16430.
 constexpr int GRID_STEPS = 1644;
-constexpr float TREE_GROUND = 900.0f;  // trees and flowers need more than this
-constexpr float WEED_GROUND = 770.0f;  // weeds need less than this
-constexpr float TREE_SINK = 50.0f;     // a tree's foot sits this far underground
+constexpr float TREE_GROUND = 900.0f;    // trees and flowers need more than this
+constexpr float WEED_GROUND = 770.0f;    // weeds need less than this
+constexpr float TREE_SINK = 50.0f;       // a tree's foot sits this far underground
 constexpr float WEED_SINK = 25.0f;
 constexpr float FLOWER_LIFT = 1.0f;
 constexpr int FLOWERS_IN_USE = 300;
@@ -30,9 +30,7 @@ bool InTowerZone(int x, int z) {
   return (x > 1800 && x < 4200) || (x > 5800 && x < 8200);
 }
 
-float Whole(int value) {
-  return static_cast<float>(value);
-}
+float Whole(int value) { return static_cast<float>(value); }
 
 }  // namespace
 

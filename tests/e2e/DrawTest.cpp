@@ -42,20 +42,18 @@ enum class Kind { Ground, Sky, Clear, Wall, Wall2, Flower, BigTree, Other };
 
 constexpr Rgb kSky = {0, 0, 160};
 constexpr Rgb kClear = {0x79, 0xD3, 0xFF};
-constexpr Rgb kWall = {0, 255, 0}, kWall2 = {255, 255, 0}, kFlower = {255, 0, 255},
-              kBigTree = {255, 128, 0};
+constexpr Rgb kFlower = {255, 0, 255}, kBigTree = {255, 128, 0};
 
 bool Near(Rgb a, Rgb b, int tolerance) {
-  return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance &&
-         std::abs(a.b - b.b) <= tolerance;
+  return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
 }
 
 Kind Classify(Rgb p) {
   if (p.r > 200 && p.g < 50 && p.b < 50) return Kind::Ground;
   if (Near(p, kSky, 24)) return Kind::Sky;
   if (Near(p, kClear, 3)) return Kind::Clear;
-  // The walls may be translucent over what lies behind them (blending left
-  // on by the weeds): told apart by hue.
+  // The walls, green and yellow, may be translucent (blending left on by the
+  // weeds): told apart by hue.
   if (p.g > 120 && p.r < p.g * 6 / 10 && p.b < 90) return Kind::Wall;
   if (p.r > 120 && p.g > 120 && std::abs(p.r - p.g) < 40 && p.b < 90) return Kind::Wall2;
   if (Near(p, kFlower, 40)) return Kind::Flower;
@@ -65,8 +63,8 @@ Kind Classify(Rgb p) {
 
 // Share of the pixels of the rows [top, bottom) (fractions of the height)
 // that are of kind.
-double Share(const Image& image, Kind kind, double top = 0.0, double bottom = 1.0,
-             double left = 0.0, double right = 1.0) {
+double Share(const Image& image, Kind kind, double top = 0.0, double bottom = 1.0, double left = 0.0,
+             double right = 1.0) {
   const int y0 = static_cast<int>(top * image.height), y1 = static_cast<int>(bottom * image.height);
   const int x0 = static_cast<int>(left * image.width), x1 = static_cast<int>(right * image.width);
   long count = 0, total = 0;
@@ -104,17 +102,6 @@ fs::path WorkDir() {
   return dir;
 }
 
-// A keyed picture of one colour; alpha 0 gives white, the key colour.
-void WriteFlatPng(const fs::path& path, Rgb colour, unsigned char alpha) {
-  std::vector<unsigned char> pixels;
-  for (int i = 0; i < 16 * 16; ++i)
-    pixels.insert(pixels.end(), {static_cast<unsigned char>(alpha ? colour.r : 255),
-                                 static_cast<unsigned char>(alpha ? colour.g : 255),
-                                 static_cast<unsigned char>(alpha ? colour.b : 255), alpha});
-  fs::remove(path);
-  ASSERT_TRUE(stbi_write_png(path.c_str(), 16, 16, 4, pixels.data(), 64)) << path;
-}
-
 void WriteFlatJpg(const fs::path& path, Rgb colour) {
   std::vector<unsigned char> pixels(64 * 64 * 3);
   for (std::size_t i = 0; i < pixels.size(); i += 3) {
@@ -124,6 +111,17 @@ void WriteFlatJpg(const fs::path& path, Rgb colour) {
   }
   fs::remove(path);
   ASSERT_TRUE(stbi_write_jpg(path.c_str(), 64, 64, 3, pixels.data(), 100)) << path;
+}
+
+// A keyed picture of one colour; alpha 0 gives white, the key colour.
+void WriteFlatPng(const fs::path& path, Rgb c, unsigned char alpha) {
+  std::vector<unsigned char> pixels;
+  for (int i = 0; i < 16 * 16; ++i)
+    pixels.insert(pixels.end(), {static_cast<unsigned char>(alpha ? c.r : 255),
+                                 static_cast<unsigned char>(alpha ? c.g : 255),
+                                 static_cast<unsigned char>(alpha ? c.b : 255), alpha});
+  fs::remove(path);
+  ASSERT_TRUE(stbi_write_png(path.c_str(), 16, 16, 4, pixels.data(), 64)) << path;
 }
 
 // How the world's objects look in a copy of the assets: as generated; or the
@@ -152,13 +150,12 @@ fs::path AssetVariant(const std::string& name, bool markGroundAndSky,
     }
   }
   if (objects != Objects::Real) {
-    WriteFlatJpg(target / "Data" / "skyscraperwall.jpg", kWall);
-    WriteFlatJpg(target / "Data" / "skyscraperwall2.jpg", kWall2);
-    for (const std::string plant : {"tree.png", "tree3.png", "weads4.png", "weads5.png"}) {
-      const bool bigTree = objects == Objects::BigTree && plant == "tree.png";
+    WriteFlatJpg(target / "Data" / "skyscraperwall.jpg", {0, 255, 0});
+    WriteFlatJpg(target / "Data" / "skyscraperwall2.jpg", {255, 255, 0});
+    for (const std::string plant : {"tree.png", "tree3.png", "weads4.png", "weads5.png"})
       if (objects != Objects::RealPlants)
-        WriteFlatPng(target / "Data" / plant, kBigTree, bigTree ? 255 : 0);
-    }
+        WriteFlatPng(target / "Data" / plant, kBigTree,
+                     objects == Objects::BigTree && plant == "tree.png" ? 255 : 0);
     for (const char* flower : {"flower1.png", "flower2.png", "flower3.png"})
       WriteFlatPng(target / "Data" / flower, kFlower, 255);
   }
@@ -168,17 +165,15 @@ fs::path AssetVariant(const std::string& name, bool markGroundAndSky,
 fs::path MarkedAssets() {
   return AssetVariant("marked", true, Objects::Marked);
 }
-fs::path FlatDetailAssets() {
-  return AssetVariant("flat-detail", false);
-}
+fs::path FlatDetailAssets() { return AssetVariant("flat-detail", false); }
 
 // Runs the capture tool in assets with the arguments and reads back frame.
 Image Capture(const fs::path& assets, const std::string& name, const std::string& args, int frame) {
   const fs::path out = WorkDir() / "frames";
   fs::create_directories(out);
   const std::string command = "cd '" + assets.string() + "' && '" KARVO_CAPTURE "' --frames " +
-                              std::to_string(frame) + " " + args + " --out '" + out.string() +
-                              "' --prefix " + name + " > /dev/null";
+                              std::to_string(frame) + " " + args + " --out '" + out.string() + "' --prefix " + name +
+                              " > /dev/null";
   const int status = std::system(command.c_str());
   EXPECT_EQ(status, 0) << command;
   char file[64];
@@ -216,12 +211,11 @@ TEST(Draw, StartViewShowsSkyAboveAndGroundBelowWithNoGaps) {
   // The first look is 25 degrees down: ground in the lower part, sky above
   // it, where the far mountains may reach into the top rows.
   EXPECT_GT(Share(image, Kind::Ground, 0.75, 1.0), 0.95);
-  // The towers rise into the top rows.
+  // The towers rise into the top rows, flowers dot the meadow at the feet.
   EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1), 0.1);
   EXPECT_GT(Share(image, Kind::Sky, 0.0, 0.1) + Share(image, Kind::Ground, 0.0, 0.1) +
                 Share(image, Kind::Wall, 0.0, 0.1) + Share(image, Kind::Wall2, 0.0, 0.1),
             0.99);
-  // Both towers stand on the start side; flowers dot the meadow at the feet.
   EXPECT_GT(Share(image, Kind::Wall), 0.005);
   EXPECT_GT(Share(image, Kind::Wall2), 0.0005);
   EXPECT_GT(Share(image, Kind::Flower, 0.25, 1.0) * image.width * image.height, 20.0);
@@ -269,8 +263,7 @@ TEST(Draw, ThirdPersonShowsTheColouredBodyBox) {
   EXPECT_EQ(Share(third, Kind::Clear), 0.0);
 
   const Image first = Capture(MarkedAssets(), "first", "", 60);
-  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7),
-            Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
+  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7), Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
 }
 
 TEST(Draw, LookingUpShowsNoGround) {
@@ -293,9 +286,46 @@ TEST(Draw, TreesShowNoKeyColourAndTheBigTreeStopsTheWalker) {
 
   // Turned north, the walker reaches the big tree at (1500, 7000), 5500
   // ahead, after some 90 frames of this walk, and cannot pass it: 80 frames
-  // later it still stands before the eye.
+  // later it still stands before the eye, half the width of the view.
   const std::string walk = "--step 0.5 --hold left:1-90 --hold up:91-260";
   const Image big =
       Capture(AssetVariant("big-tree", true, Objects::BigTree), "big-tree", walk, 260);
-  EXPECT_GT(Share(big, Kind::BigTree, 0.0, 0.07, 0.35, 0.95), 0.9);  // near: half the width
+  EXPECT_GT(Share(big, Kind::BigTree, 0.0, 0.07, 0.35, 0.95), 0.9);
+}
+
+TEST(Draw, TheSeaTintsADiverAndRainAndTheFlockShow) {
+  // What the tint 0xBF547686 can make of whatever lies behind it.
+  auto tinted = [](Rgb p) {
+    return p.r >= 61 && p.r <= 129 && p.g >= 86 && p.g <= 154 && p.b >= 98 && p.b <= 166;
+  };
+  // Tinted share of the pixels of row y (every 4th column).
+  auto row = [&](const Image& image, int y) {
+    int count = 0;
+    for (int x = 0; x < image.width; x += 4) count += tinted(image.At(x, y));
+    return count * 4.0 / image.width;
+  };
+  // A diver on the sea bed: all tinted but the weeds, which come after the sea.
+  const Image under = Capture(fs::current_path(), "under", "--place 11264,580,1920", 5);
+  ASSERT_GT(under.height, 0);
+  double share = 0.0;
+  for (int y = 0; y < under.height; ++y) share += row(under, y) / under.height;
+  EXPECT_GT(share, 0.9);
+  // The eye 0.3 above the surface: the tint below one straight row, none above.
+  const Image line =
+      Capture(fs::current_path(), "line", "--step 0.001 --place 11264,854.3,1920", 3);
+  ASSERT_GT(line.height, 0);
+  const int edge = static_cast<int>(line.height * 0.42);
+  EXPECT_GT(row(line, edge + 5), 0.9);
+  EXPECT_LT(row(line, edge - 5), 0.1);
+
+  // Looking a little up at the start: the same frame with the rain switched
+  // off from the first frame has no streaks.
+  const Image rain = Capture(fs::current_path(), "rain", "--hold q:1-40", 150);
+  const Image dry = Capture(fs::current_path(), "dry", "--hold q:1-40 --rain-off 1", 150);
+  EXPECT_GT(MeanDifference(rain, dry, 0.0, 0.5), 0.5);
+
+  // Straight up once the last drops have landed: the flock's wings against
+  // the flat sky (the plants of these assets are invisible).
+  const Image flock = Capture(MarkedAssets(), "flock", "--hold q:1-240 --rain-off 1", 240);
+  EXPECT_GT(Share(flock, Kind::Other), 0.0005);
 }

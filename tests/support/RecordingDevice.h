@@ -373,13 +373,10 @@ class RecordingDevice : public IDirect3DDevice9 {
   HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT count, const void* vertices, UINT stride) override {
     Log("DrawPrimitiveUP", {double(type), double(count), double(stride)});
     if (vertices == nullptr || count == 0 || stride == 0) return D3DERR_INVALIDCALL;
-    UINT n = count + 2;  // strips and fans
-    if (type == D3DPT_TRIANGLELIST) n = count * 3;
-    if (type == D3DPT_LINELIST) n = count * 2;
-    if (type == D3DPT_LINESTRIP) n = count + 1;
-    if (type == D3DPT_POINTLIST) n = count;
+    // Strips and fans; the lists and points are not kept.
     const auto* bytes = static_cast<const std::uint8_t*>(vertices);
-    upVertices_.emplace_back(bytes, bytes + std::size_t(n) * stride);
+    const bool stripOrFan = type == D3DPT_TRIANGLESTRIP || type == D3DPT_TRIANGLEFAN;
+    upVertices_.emplace_back(bytes, bytes + (stripOrFan ? std::size_t(count + 2) * stride : 0));
     return D3D_OK;
   }
 

@@ -141,6 +141,14 @@ bool WriteDialog(HWND dialog, std::uint32_t) {
 // Script frame k is about to run, so frame k (counting the first drawn frame
 // as 1) has just been presented.
 void OnFrameBoundary(std::uint32_t scriptFrame) {
+  const CaptureOptions& options = *s_run.options;
+  // The world stands once script frame 0 is about to run; the changes of the
+  // options go in before the frame they name is drawn.
+  if (scriptFrame == 0 && options.place) {
+    g_App.m_player.SetPosition(D3DXVECTOR3(options.placeAt[0], options.placeAt[1], options.placeAt[2]));
+    g_App.m_player.SetVelocity(D3DXVECTOR3(0.0f, 0.0f, 0.0f));
+  }
+  if (options.rainOffFrame != 0 && scriptFrame + 1 == options.rainOffFrame) g_App.m_terrain.m_rainEnabled = false;
   const std::vector<std::uint32_t>& frames = s_run.options->frames;
   while (s_run.next < frames.size() && frames[s_run.next] < scriptFrame) ++s_run.next;
   if (s_run.next < frames.size() && frames[s_run.next] == scriptFrame) {

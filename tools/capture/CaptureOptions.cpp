@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -119,6 +120,21 @@ bool ParseFrames(const std::string& text, std::vector<std::uint32_t>& frames) {
   return !frames.empty();
 }
 
+// "x,y,z": three finite decimal numbers within the reach of a float.
+bool ParsePoint(const std::string& text, float (&point)[3]) {
+  const char* at = text.c_str();
+  for (int i = 0; i < 3; ++i) {
+    char* end = nullptr;
+    errno = 0;
+    const double v = std::strtod(at, &end);
+    if (errno != 0 || end == at || !std::isfinite(v) || std::fabs(v) > 1e7) return false;
+    point[i] = static_cast<float>(v);
+    if (*end != (i < 2 ? ',' : '\0')) return false;
+    at = end + 1;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool CaptureOptions::IsHeld(std::uint8_t virtualKey, std::uint32_t frame) const {
@@ -144,6 +160,8 @@ const char* CaptureUsage() {
          "  --mip F              none | point | linear\n"
          "  --anisotropy N       1 2 4 8 16 32 64\n"
          "  --step SECONDS       fixed clock step per frame (default 1/60)\n"
+         "  --place X,Y,Z        put the walker there before the first frame\n"
+         "  --rain-off N         switch the rain off before frame N\n"
          "  --out DIR            folder for the files (default .)\n"
          "  --assets DIR         the assets folder to run in (default: the working directory)\n"
          "  --prefix NAME        file names NAME_0001.png ... (default frame)\n";
@@ -212,6 +230,10 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
       const double step = std::strtod(value.c_str(), &end);
       ok = errno == 0 && end != value.c_str() && *end == '\0' && step > 0.0 && step <= 10.0;
       if (ok) options.step = step;
+    } else if (arg == "--place") {
+      ok = options.place = ParsePoint(value, options.placeAt);
+    } else if (arg == "--rain-off") {
+      ok = ParseNumber(value, options.rainOffFrame) && options.rainOffFrame > 0;
     } else if (arg == "--out") {
       ok = !value.empty();
       options.outDir = value;

@@ -24,6 +24,9 @@ struct CaptureOptions {
   std::string prefix = "frame";
   double step = 1.0 / 60.0;  // seconds the fixed clock advances per frame
   bool dialog = false;       // write the settings dialog after the last frame
+  bool place = false;        // put the walker at placeAt before frame 1
+  float placeAt[3] = {0.0f, 0.0f, 0.0f};
+  std::uint32_t rainOffFrame = 0;  // the rain is switched off before this frame; 0: never
   bool help = false;
 
   // The last frame the run needs: the largest frame asked for.

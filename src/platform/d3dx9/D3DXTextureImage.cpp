@@ -21,9 +21,7 @@ constexpr int kMaxSide = 16384;
 // Files above this size are refused before reading.
 constexpr long kMaxFileBytes = 256L * 1024 * 1024;
 
-bool IsJpeg(const std::uint8_t* b, std::size_t n) {
-  return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF;
-}
+bool IsJpeg(const std::uint8_t* b, std::size_t n) { return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF; }
 bool IsPng(const std::uint8_t* b, std::size_t n) {
   static const std::uint8_t sig[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
   return n >= 8 && std::memcmp(b, sig, 8) == 0;
