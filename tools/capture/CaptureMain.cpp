@@ -8,6 +8,7 @@
 // there). Without a display it
 // starts itself again under xvfb-run; without a sound card it uses SDL's
 // dummy audio driver.
+#include <stb/stb_image_write.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -15,8 +16,6 @@
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <stb/stb_image_write.h>
 
 #include "CaptureOptions.h"
 #include "app/GameApp.h"
@@ -26,9 +25,15 @@
 
 namespace {
 
-// The sounds load while g_App is constructed, before main runs: the audio
-// driver has to be chosen even earlier. A user's own choice stands.
-__attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRIVER", "dummy", 0); }
+// Runs before g_App is constructed. Its sounds load then, so the audio driver
+// has to be chosen even earlier (a user's own choice stands); and its frame
+// timer reads the clock then, so the scripted clock must already be in force,
+// or the first frame would measure the real clock against the scripted one.
+// main starts the script again, with the options, on the same clock start.
+__attribute__((constructor(101))) void BeforeTheProgram() {
+  setenv("SDL_AUDIODRIVER", "dummy", 0);
+  win32::script::Enable();
+}
 
 // Starts the tool again under a virtual X server when there is no display.
 // Returns only when that is not possible or not needed.
@@ -41,8 +46,9 @@ void ReExecUnderXvfb(int argc, char** argv) {
   std::error_code error;
   const std::filesystem::path resolved = std::filesystem::read_symlink(self, error);
   if (!error) self = resolved.string();
-  std::vector<char*> args = {const_cast<char*>("xvfb-run"), const_cast<char*>("-a"), const_cast<char*>("-s"),
-                             const_cast<char*>("-screen 0 1600x1000x24"), self.data()};
+  std::vector<char*> args = {const_cast<char*>("xvfb-run"), const_cast<char*>("-a"),
+                             const_cast<char*>("-s"), const_cast<char*>("-screen 0 1600x1000x24"),
+                             self.data()};
   for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
   args.push_back(nullptr);
   execvp("xvfb-run", args.data());
@@ -53,7 +59,8 @@ void ReExecUnderXvfb(int argc, char** argv) {
 // working directory of the process. Given --assets, the tool therefore enters
 // the folder and starts itself again there, without --assets and with the
 // output folder made absolute. Returns only when the new start failed.
-void RestartInside(const std::filesystem::path& assets, const std::filesystem::path& outDir, int argc, char** argv) {
+void RestartInside(const std::filesystem::path& assets, const std::filesystem::path& outDir,
+                   int argc, char** argv) {
   std::error_code error;
   std::filesystem::current_path(assets, error);
   if (error) {
@@ -91,8 +98,9 @@ void WriteFrame(std::uint32_t frame) {
   std::vector<std::uint8_t> rgba;
   UINT width = 0;
   UINT height = 0;
-  if (g_App.m_device == nullptr || !d3d9gl::ReadBackBufferRGBA(g_App.m_device, rgba, width, height) ||
-      width == 0 || height == 0) {
+  if (g_App.m_device == nullptr ||
+      !d3d9gl::ReadBackBufferRGBA(g_App.m_device, rgba, width, height) || width == 0 ||
+      height == 0) {
     std::fprintf(stderr, "karvo-capture: frame %u: no back buffer to read\n", frame);
     ++s_run.failed;
     return;
@@ -102,8 +110,8 @@ void WriteFrame(std::uint32_t frame) {
   char name[64];
   std::snprintf(name, sizeof(name), "_%04u.png", frame);
   const std::filesystem::path path = s_run.outDir / (s_run.options->prefix + name);
-  if (!stbi_write_png(path.c_str(), static_cast<int>(width), static_cast<int>(height), 4, rgba.data(),
-                      static_cast<int>(width) * 4)) {
+  if (!stbi_write_png(path.c_str(), static_cast<int>(width), static_cast<int>(height), 4,
+                      rgba.data(), static_cast<int>(width) * 4)) {
     std::fprintf(stderr, "karvo-capture: cannot write %s\n", path.c_str());
     ++s_run.failed;
     return;
@@ -170,7 +178,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   if (!std::filesystem::exists("Data/HeightMap.raw")) {
-    std::fprintf(stderr, "karvo-capture: no Data/HeightMap.raw here; run inside the assets folder or give --assets\n");
+    std::fprintf(stderr,
+                 "karvo-capture: no Data/HeightMap.raw here; run inside the assets folder or give "
+                 "--assets\n");
     return 2;
   }
 
@@ -180,19 +190,21 @@ int main(int argc, char** argv) {
   win32::script::Options script;
   script.fixedStep = options.step;
   script.realWindows = true;
-  script.maxFrames = options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
+  script.maxFrames =
+      options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
   win32::script::Enable(script);
   for (std::uint32_t command : options.commands) win32::script::Command(0, command);
   ScheduleKeys(options);
   win32::script::SetFrameCallback(OnFrameBoundary);
 
-  const int exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
+  const int exitCode =
+      WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<char*>(""), SW_SHOWNORMAL);
   win32::script::SetFrameCallback(nullptr);
 
   const int missing = static_cast<int>(options.frames.size()) - s_run.written;
   if (missing > 0) {
-    std::fprintf(stderr, "karvo-capture: %d of %zu frames not written (program exit code %d)\n", missing,
-                 options.frames.size(), exitCode);
+    std::fprintf(stderr, "karvo-capture: %d of %zu frames not written (program exit code %d)\n",
+                 missing, options.frames.size(), exitCode);
     return 1;
   }
   return exitCode;

@@ -9,6 +9,7 @@
 #include <imgui.h>
 #include <imgui_internal.h>
 
+#include <algorithm>
 #include <cctype>
 #include <string>
 
@@ -161,10 +162,10 @@ void MenuBar(HWND hWnd) {
   if (!bar) return;
   OverlayState& state = State();
   ImGuiContext& g = *ImGui::GetCurrentContext();
-  if (state.escape && g.OpenPopupStack.Size > 0)
-    ImGui::ClosePopupToLevel(g.OpenPopupStack.Size - 1, true);
-  if (state.closeAll && g.OpenPopupStack.Size > 0) ImGui::ClosePopupToLevel(0, true);
-  state.escape = false;
+  const int open = g.OpenPopupStack.Size;
+  const int close = state.closeAll ? open : std::min(state.escapes, open);
+  if (close > 0) ImGui::ClosePopupToLevel(open - close, true);
+  state.escapes = 0;
   state.closeAll = false;
   state.innermostThisFrame = nullptr;
   state.drawn.clear();

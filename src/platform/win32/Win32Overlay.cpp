@@ -115,7 +115,7 @@ bool Key(const SDL_KeyboardEvent& event) {
   if (state.popupOpen) {
     // An open menu has the keyboard, as on the desktop: nothing reaches the
     // world until it closes.
-    if (event.keysym.sym == SDLK_ESCAPE) state.escape = true;
+    if (event.keysym.sym == SDLK_ESCAPE) ++state.escapes;
     if (letter) state.accessKey = letter;
     return true;
   }
