@@ -1,7 +1,7 @@
-// HandleWindowMessage and StaticWindowProc on a record-only window of the
-// scripted back end, with fakes for Direct3D: the menu commands against the
-// values they must set, size changes, the keys that come as messages, and
-// the roads to the end of the run.
+// The window procedure and ReadInput on a record-only window of the scripted
+// back end, with fakes for Direct3D: the menu commands against the values
+// they must set, size changes, the keys that come as messages, the roads to
+// the end of the run, and every binding of the polled keys and the mouse.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -129,30 +129,12 @@ TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndNothingElse) {
       for (const auto& [name, value] : table.at(command)) expected[name] = value;
       Send(WM_COMMAND, command);
       EXPECT_EQ(Snapshot(), expected) << "command " << command;
+      // The mark moves onto the entry chosen (each command is in a group).
+      if (!table.at(command).empty()) {
+        EXPECT_TRUE(GetMenuState(app->m_hMenu, command, MF_BYCOMMAND) & MF_CHECKED) << command;
+      }
     }
   }
-}
-
-TEST_F(Messages, RenderStateCommandsMoveTheirMarksAndCameraCommandsTheirs) {
-  // Command, then the group's first and last and the marks they must show.
-  const struct {
-    UINT command, first, last;
-    const char* marks;
-  } rows[] = {
-      {40014, 40013, 40014, "01"},      {40013, 40013, 40014, "10"},
-      {40020, 40019, 40021, "010"},     {40023, 40022, 40023, "01"},
-      {40022, 40022, 40023, "10"},      {40027, 40024, 40030, "0001000"},
-      {40030, 40024, 40030, "0000001"}, {40031, 40031, 40034, "1000"},
-      {40038, 40035, 40038, "0001"},    {40041, 40039, 40045, "0010000"},
-      {40011, 40010, 40012, "010"},     {40011, 40010, 40012, "010"},
-  };
-  for (const auto& row : rows) {
-    Send(WM_COMMAND, row.command);
-    EXPECT_EQ(app.Checked(row.first, row.last), row.marks) << "command " << row.command;
-  }
-  EXPECT_FALSE(app.RenderStatesPopupGreyed(5));
-  Send(WM_COMMAND, 40023);
-  EXPECT_TRUE(app.RenderStatesPopupGreyed(5)) << "Multi Pass greys Color Blending Ops";
 }
 
 TEST_F(Messages, ChoosingTheCurrentCameraModeReappliesItsValuesOnTheSameCamera) {
@@ -212,6 +194,44 @@ TEST_F(Messages, ShiftEnterToFullScreenAndBackKeepsTheWorldAndReattachesTheMenu)
   EXPECT_GE(device.Count("Reset"), 2u);
   EXPECT_EQ(app->m_player.GetPosition(), position);
   EXPECT_TRUE(app->m_active);
+}
+
+TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
+  // Keys held, cursor motion while the left button holds the capture, and
+  // the turn in degrees that one frame makes of them.
+  const struct {
+    std::initializer_list<BYTE> keys;
+    int dx, dy;
+    float pitch, yaw, roll;
+  } rows[] = {
+      {{'A'}, 0, 0, 0.5f, 0, 0},
+      {{'Q'}, 0, 0, -0.5f, 0, 0},
+      {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
+      {{VK_RIGHT}, 0, 0, 0, 0.5f, 0},
+      {{}, 9, -6, -2.0f, 3.0f, 0},
+      {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
+      {{'S'}, 9, -6, 0, 0, 0},
+      {{'A', 'Q'}, 0, 0, 0, 0, 0},
+      {{}, 0, 0, 0, 0, 0},
+  };
+  for (const auto& row : rows) {
+    win32::script::Enable({.realWindows = false});
+    win32::script::HoldKeys(0, row.keys);
+    win32::script::MoveCursor(0, row.dx, row.dy);
+    app->m_captureCursor = {400, 300};  // where the cursor starts
+    SetCapture(hWnd);
+    QuitPosted();  // delivers the script
+    const CPlayer& p = app->m_player;
+    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll();
+    app->ReadInput();
+    EXPECT_FLOAT_EQ(p.GetPitch() - pitch, row.pitch) << "row " << &row - rows;
+    EXPECT_FLOAT_EQ(p.GetYaw() - yaw, row.yaw) << "row " << &row - rows;
+    EXPECT_FLOAT_EQ(p.GetRoll() - roll, row.roll) << "row " << &row - rows;
+    POINT cursor{};
+    GetCursorPos(&cursor);
+    EXPECT_EQ(cursor.x, 400) << "the cursor is put back";
+    ReleaseCapture();
+  }
 }
 
 }  // namespace
