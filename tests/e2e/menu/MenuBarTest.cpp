@@ -22,6 +22,7 @@ namespace {
 constexpr int kSettle = 4;  // frames between two steps: popups open a frame late
 constexpr int kFrameLimit = 900;
 constexpr std::uint32_t kClear = 0x79D3FF;
+constexpr int kShotWidth = 720, kShotHeight = 260;
 
 using Picture = std::vector<std::uint32_t>;  // 0xRRGGBB, top row first
 
@@ -88,7 +89,7 @@ Picture BackBuffer(UINT* width = nullptr, UINT* height = nullptr) {
   return argb;
 }
 
-// The window as shown, bar included; written as a PNG when a file is given.
+// The window as shown, bar included; its top left written as a PNG when a file is given.
 Picture Window(int* width, const char* file = nullptr) {
   int w = 0, h = 0;
   SDL_GL_GetDrawableSize(Sdl(), &w, &h);
@@ -103,7 +104,8 @@ Picture Window(int* width, const char* file = nullptr) {
     p[i] = std::uint32_t(rgb[from]) << 16 | std::uint32_t(rgb[from + 1]) << 8 | rgb[from + 2];
   }
   stbi_flip_vertically_on_write(1);
-  if (file) stbi_write_png(file, w, h, 3, rgb.data(), w * 3);
+  if (file && w >= kShotWidth && h >= kShotHeight)  // the top left, where the popups open
+    stbi_write_png(file, kShotWidth, kShotHeight, 3, rgb.data() + std::size_t(h - kShotHeight) * w * 3, w * 3);
   *width = w;
   return p;
 }
@@ -186,7 +188,7 @@ TEST(MenuBar, UsedByMouseAndKeyboardInTheRealProgram) {
       },
       [&] {
         int width = 0;
-        const Picture shot = Window(&width, KARVO_SHOT_DIR "/render-states-popup.png");
+        const Picture shot = Window(&width, KARVO_SHOT_DIR "/render-states.png");
         int dark[2] = {};  // dark text on the rows of Color Blending Ops and Render Mode
         for (int row : {5, 6}) {
           RECT r{};
