@@ -21,6 +21,28 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     # No sound device either: let SDL mix into nothing rather than fail.
     export SDL_AUDIODRIVER="${SDL_AUDIODRIVER:-dummy}"
   fi
-  exec xvfb-run -a -s "-screen 0 1600x1000x24" ../karvo-terrain
+  # A private X server in a session of its own, so that Ctrl+C (SIGINT to the
+  # terminal's foreground process group) reaches only the program, which then
+  # ends cleanly; the server goes after it. xvfb-run would run the program
+  # with SIGINT ignored and let Ctrl+C take the server from under it.
+  display_file="$(mktemp)"
+  setsid Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$display_file" >/dev/null 2>&1 &
+  xvfb_pid=$!
+  trap 'kill "$xvfb_pid" 2>/dev/null; wait "$xvfb_pid" 2>/dev/null; rm -f "$display_file"' EXIT
+  for _ in $(seq 100); do
+    [ -s "$display_file" ] && break
+    sleep 0.1
+  done
+  if [ ! -s "$display_file" ]; then
+    echo "error: Xvfb did not start" >&2
+    exit 1
+  fi
+  export DISPLAY=":$(head -n 1 "$display_file")"
+  # A handled (not ignored) SIGINT: the shell waits for the program's own end,
+  # and the program gets the default disposition to install its handler on.
+  trap ':' INT TERM
+  status=0
+  ../karvo-terrain || status=$?
+  exit "$status"
 fi
 exec ../karvo-terrain

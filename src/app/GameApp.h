@@ -71,7 +71,8 @@ class CGameApp {
 
   // Sound bank: loaded by the constructor; the rules run inside ReadInput.
   void LoadSounds();
-  void RunSoundEvents(std::uint32_t direction);
+  // keyState is the frame's first key table, where the talk key is read.
+  void RunSoundEvents(std::uint32_t direction, const BYTE* keyState);
 
   // ---- members, in declaration order --------------------------------------
   CTerrain m_terrain;

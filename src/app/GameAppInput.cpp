@@ -19,12 +19,14 @@ constexpr BYTE VK_KEY_S = 0x53;
 constexpr BYTE VK_KEY_X = 0x58;
 constexpr BYTE VK_KEY_Z = 0x5A;
 
-constexpr float KEY_TURN = 0.5f;          // degrees per frame
-constexpr double MOUSE_DIVISOR = 3.0;     // pixels per degree
-constexpr float STEP_SCALE = 500.0f;      // distance per second given to MoveByFlags
-constexpr float JUMP_LIFT = 7.0f;         // units per frame while J is held
+constexpr float KEY_TURN = 0.5f;       // degrees per frame
+constexpr double MOUSE_DIVISOR = 3.0;  // pixels per degree
+constexpr float STEP_SCALE = 500.0f;   // distance per second given to MoveByFlags
+constexpr float JUMP_LIFT = 7.0f;      // units per frame while J is held
 
-bool Held(const BYTE* keys, BYTE vk) { return (keys[vk] & 0xF0) != 0; }
+bool Held(const BYTE* keys, BYTE vk) {
+  return (keys[vk] & 0xF0) != 0;
+}
 
 }  // namespace
 
@@ -46,7 +48,7 @@ void CGameApp::ReadInput() {
     m_player.Move(D3DXVECTOR3(0.0f, JUMP_LIFT, 0.0f), false);
     if (m_soundJump.m_channel != 0) BASS_ChannelPlay(m_soundJump.m_channel, FALSE);
   }
-  if (m_playerHasMoved != 0) RunSoundEvents(direction);
+  if (m_playerHasMoved != 0) RunSoundEvents(direction, s_keyState);
 
   if (Held(s_keyState, VK_KEY_A)) m_player.Rotate(KEY_TURN, 0.0f, 0.0f);
   if (Held(s_keyState, VK_KEY_Q)) m_player.Rotate(-KEY_TURN, 0.0f, 0.0f);
@@ -61,8 +63,10 @@ void CGameApp::ReadInput() {
     SetCursor(nullptr);
     POINT CursorPos;
     if (GetCursorPos(&CursorPos)) {
-      mouseX = static_cast<float>(static_cast<double>(CursorPos.x - m_captureCursor.x) / MOUSE_DIVISOR);
-      mouseY = static_cast<float>(static_cast<double>(CursorPos.y - m_captureCursor.y) / MOUSE_DIVISOR);
+      mouseX =
+          static_cast<float>(static_cast<double>(CursorPos.x - m_captureCursor.x) / MOUSE_DIVISOR);
+      mouseY =
+          static_cast<float>(static_cast<double>(CursorPos.y - m_captureCursor.y) / MOUSE_DIVISOR);
     }
     SetCursorPos(m_captureCursor.x, m_captureCursor.y);
   }
@@ -78,7 +82,8 @@ void CGameApp::ReadInput() {
         m_player.Rotate(mouseY, mouseX, 0.0f);
       }
     }
-    if (direction != 0 || rising) m_player.MoveByFlags(direction, m_timer.GetTimeElapsed() * STEP_SCALE);
+    if (direction != 0 || rising)
+      m_player.MoveByFlags(direction, m_timer.GetTimeElapsed() * STEP_SCALE);
   }
 
   m_player.Update(m_timer.GetTimeElapsed());

@@ -18,9 +18,9 @@
 namespace {
 
 // Altitude bands on the player's y.
-constexpr float kDeepBelow = 850.0f;     // under this: under water
-constexpr float kWaterTop = 865.0f;      // 850 to 865, both included: swimming
-constexpr float kShoreTop = 872.0f;      // above 865 up to 872: shore, above it: land
+constexpr float kDeepBelow = 850.0f;  // under this: under water
+constexpr float kWaterTop = 865.0f;   // 850 to 865, both included: swimming
+constexpr float kShoreTop = 872.0f;   // above 865 up to 872: shore, above it: land
 
 constexpr std::uint32_t kSpeechFrames = 333;  // frames a talk key press is waited out
 constexpr std::int32_t kZoneFrames = 1000;    // frames between two remarks at a skyscraper
@@ -40,13 +40,6 @@ void LoadSlot(CSoundSlot& slot, const char* path) {
 // Without restart: a sound that is still playing goes on undisturbed.
 void Play(const CSoundSlot& slot) {
   if (slot.m_channel != 0) BASS_ChannelPlay(slot.m_channel, FALSE);
-}
-
-// The talk key, from the same key table that the frame's input reads.
-bool TalkKeyHeld() {
-  BYTE keys[256];
-  if (!GetKeyboardState(keys)) return false;
-  return (keys[kTalkKey] & 0xF0) != 0;
 }
 
 // The footprints of the two skyscrapers with a margin of 200 on every side;
@@ -84,7 +77,7 @@ void CGameApp::LoadSounds() {
   LoadSlot(m_soundClimb, "speech\\mp3\\kak_zabratsa_na_neboskreb.mp3");
 }
 
-void CGameApp::RunSoundEvents(std::uint32_t direction) {
+void CGameApp::RunSoundEvents(std::uint32_t direction, const BYTE* keyState) {
   const D3DXVECTOR3& position = m_player.GetPosition();
   const float x = position.x;
   const float y = position.y;
@@ -99,7 +92,7 @@ void CGameApp::RunSoundEvents(std::uint32_t direction) {
   if (m_speechTimer > kSpeechFrames) m_speechTimer = 0;
 
   // 2. Talk. The counter starts in every band, also where no clip fits.
-  if (TalkKeyHeld() && m_speechTimer == 0) {
+  if ((keyState[kTalkKey] & 0xF0) != 0 && m_speechTimer == 0) {
     m_speechTimer = 1;
     if (land) Play(m_soundSpeech[kLandClips[crt::rand() % 16] - 1]);
     if (water) Play(m_soundSpeech[kWaterClips[crt::rand() % 10] - 1]);

@@ -27,10 +27,14 @@
 
 namespace {
 
-// The sounds load while g_App is constructed, before main runs: the audio
-// driver has to be chosen even earlier. A user's own choice stands.
-__attribute__((constructor(101))) void ChooseQuietAudio() {
+// Runs before g_App is constructed. Its sounds load then, so the audio driver
+// has to be chosen even earlier (a user's own choice stands); and its frame
+// timer reads the clock then, so the scripted clock must already be in force,
+// or the first frame would measure the real clock against the scripted one.
+// main starts the script again, with the options, on the same clock start.
+__attribute__((constructor(101))) void BeforeTheProgram() {
   setenv("SDL_AUDIODRIVER", "dummy", 0);
+  win32::script::Enable();
 }
 
 // Starts the tool again under a virtual X server when there is no display.

@@ -9,6 +9,7 @@
 #include <imgui.h>
 #include <imgui_internal.h>
 
+#include <algorithm>
 #include <cctype>
 #include <string>
 
@@ -99,13 +100,14 @@ void Entry(HWND hWnd, HMENU menu, int position, char key) {
   HMENU popup = GetSubMenu(menu, position);
   if (popup) {
     if (chosenByKey) ImGui::OpenPopup(id.c_str());
-    const bool open = ImGui::BeginMenuEx(id.c_str(), kMarkColumn, enabled);
-    RecordPlace(menu, position);
-    Underline(label, ImVec2(at.x + offsetLabel, at.y), enabled);
-    if (open) {
+    // Once the popup has ended, the last item is this entry again and the
+    // drawing goes to this popup's window, not the child's.
+    if (ImGui::BeginMenuEx(id.c_str(), kMarkColumn, enabled)) {
       Popup(hWnd, popup);
       ImGui::EndMenu();
     }
+    RecordPlace(menu, position);
+    Underline(label, ImVec2(at.x + offsetLabel, at.y), enabled);
     return;
   }
   const UINT command = GetMenuItemID(menu, position);
@@ -161,10 +163,10 @@ void MenuBar(HWND hWnd) {
   if (!bar) return;
   OverlayState& state = State();
   ImGuiContext& g = *ImGui::GetCurrentContext();
-  if (state.escape && g.OpenPopupStack.Size > 0)
-    ImGui::ClosePopupToLevel(g.OpenPopupStack.Size - 1, true);
-  if (state.closeAll && g.OpenPopupStack.Size > 0) ImGui::ClosePopupToLevel(0, true);
-  state.escape = false;
+  const int open = g.OpenPopupStack.Size;
+  const int close = state.closeAll ? open : std::min(state.escapes, open);
+  if (close > 0) ImGui::ClosePopupToLevel(open - close, true);
+  state.escapes = 0;
   state.closeAll = false;
   state.innermostThisFrame = nullptr;
   state.drawn.clear();
@@ -184,13 +186,12 @@ void MenuBar(HWND hWnd) {
     at.x += IM_FLOOR(ImGui::GetStyle().ItemSpacing.x * 0.5f);
     at.y += ImGui::GetCurrentWindow()->DC.CurrLineTextBaseOffset;
     if (popup) {
-      const bool open = ImGui::BeginMenu(id.c_str(), enabled);
-      RecordPlace(bar, i);
-      Underline(label, at, enabled);
-      if (open) {
+      if (ImGui::BeginMenu(id.c_str(), enabled)) {
         Popup(hWnd, popup);
         ImGui::EndMenu();
       }
+      RecordPlace(bar, i);
+      Underline(label, at, enabled);
     } else if (ImGui::MenuItem(id.c_str(), nullptr, false, enabled)) {
       PostMessageA(hWnd, WM_COMMAND, GetMenuItemID(bar, i), 0);
     }

@@ -11,9 +11,9 @@ namespace win32::overlay {
 
 struct OverlayState {
   // Keys the overlay took, for the menu bar of the next frame: a letter or
-  // digit of an access key (upper case), Escape, and Alt+letter of the bar.
+  // digit of an access key (upper case), Escapes, and Alt+letter of the bar.
   char accessKey = 0;
-  bool escape = false;
+  int escapes = 0;  // each closes one popup, the innermost first
   char altKey = 0;
   // The innermost popup that was open at the end of the last frame; the
   // access key of the next frame chooses among its items.

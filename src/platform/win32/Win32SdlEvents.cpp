@@ -19,7 +19,9 @@ Window* WindowOfEvent(Uint32 windowId) {
   return TargetWindow();
 }
 
-HWND HandleOrNull(Window* window) { return window ? HandleOf(window) : nullptr; }
+HWND HandleOrNull(Window* window) {
+  return window ? HandleOf(window) : nullptr;
+}
 
 void WindowEvent(const SDL_WindowEvent& event) {
   Window* window = FromHandle(win32::WindowOf(SDL_GetWindowFromID(event.windowID)));
@@ -97,7 +99,8 @@ void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
   const bool alt = (keys[VK_MENU] & 0x80) != 0;
   const BYTE messageKey = MessageKey(vk);
   UINT message = down ? WM_KEYDOWN : WM_KEYUP;
-  if (alt || messageKey == VK_MENU || messageKey == VK_F10) message = down ? WM_SYSKEYDOWN : WM_SYSKEYUP;
+  if (alt || messageKey == VK_MENU || messageKey == VK_F10)
+    message = down ? WM_SYSKEYDOWN : WM_SYSKEYUP;
   Post(HandleOrNull(WindowOfEvent(event.windowID)), message, messageKey,
        KeyMessageLParam(down, wasDown, 0, IsExtendedKey(vk)));
 }
@@ -132,6 +135,9 @@ void ButtonEvent(const SDL_MouseButtonEvent& event, bool taken) {
        MAKELPARAM(event.x, y));
 }
 
+// Mouse events move the back end's cursor (see SdlBackEnd::Cursor).
+void CursorMoved(const SDL_Event& event);
+
 void Translate(const SDL_Event& event) {
   State& state = GetState();
   const bool taken = state.hook && event.type != SDL_WINDOWEVENT && event.type != SDL_QUIT &&
@@ -146,9 +152,11 @@ void Translate(const SDL_Event& event) {
       break;
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP:
+      CursorMoved(event);
       ButtonEvent(event.button, taken);
       break;
     case SDL_MOUSEMOTION:
+      CursorMoved(event);
       if (!taken) {
         Window* window = WindowOfEvent(event.motion.windowID);
         const int y = event.motion.y - win32::MenuBarHeight(HandleOrNull(window));
@@ -180,25 +188,30 @@ class SdlBackEnd final : public Source {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
   }
 
-  POINT Cursor() override {
-    if (SDL_WasInit(SDL_INIT_VIDEO)) {
-      int x = 0;
-      int y = 0;
-      SDL_GetGlobalMouseState(&x, &y);
-      m_cursor = {x, y};
-    }
-    return m_cursor;
-  }
+  // The cursor is ours, not the pointer's: mouse events move it, and while the
+  // mouse is captured it follows their relative motion, with the pointer held
+  // still by SDL's relative mode. SetCursorPos then needs no warp of the real
+  // pointer, which some video drivers cannot do (Wayland, or a warp that
+  // fails): the view never keeps turning on a warp that did not happen.
+  POINT Cursor() override { return m_cursor; }
 
-  void SetCursorPosition(int x, int y) override {
-    m_cursor = {x, y};
-    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_WarpMouseGlobal(x, y);
+  void SetCursorPosition(int x, int y) override { m_cursor = {x, y}; }
+
+  // A mouse event at (x, y) of the window, having moved by (dx, dy).
+  void Moved(int x, int y, int dx, int dy, const Window* window) {
+    if (m_captured) {
+      m_cursor.x += dx;
+      m_cursor.y += dy;
+    } else if (window) {
+      m_cursor = {window->rect.left + x, window->rect.top + y};
+    }
   }
 
   bool RealWindows() override { return true; }
 
   void CaptureMouse(bool on) override {
-    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_CaptureMouse(on ? SDL_TRUE : SDL_FALSE);
+    m_captured = on;
+    if (SDL_WasInit(SDL_INIT_VIDEO)) SDL_SetRelativeMouseMode(on ? SDL_TRUE : SDL_FALSE);
   }
 
   void ShowCursor(bool shown) override {
@@ -207,13 +220,27 @@ class SdlBackEnd final : public Source {
 
  private:
   POINT m_cursor = {0, 0};
+  bool m_captured = false;
 };
+
+SdlBackEnd& Backend() {
+  static SdlBackEnd* source = new SdlBackEnd;  // never destroyed: see GetState
+  return *source;
+}
+
+void CursorMoved(const SDL_Event& event) {
+  if (event.type == SDL_MOUSEMOTION) {
+    const SDL_MouseMotionEvent& m = event.motion;
+    Backend().Moved(m.x, m.y, m.xrel, m.yrel, WindowOfEvent(m.windowID));
+  } else {
+    Backend().Moved(event.button.x, event.button.y, 0, 0, WindowOfEvent(event.button.windowID));
+  }
+}
 
 }  // namespace
 
 Source& SdlSource() {
-  static SdlBackEnd* source = new SdlBackEnd;  // never destroyed: see GetState
-  return *source;
+  return Backend();
 }
 
 }  // namespace win32::detail

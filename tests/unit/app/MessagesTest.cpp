@@ -1,7 +1,7 @@
-// HandleWindowMessage and StaticWindowProc on a record-only window of the
-// scripted back end, with fakes for Direct3D: the menu commands against the
-// values they must set, size changes, the keys that come as messages, and
-// the roads to the end of the run.
+// The window procedure and ReadInput on a record-only window of the scripted
+// back end, with fakes for Direct3D: the menu commands against the values
+// they must set, size changes, the keys that come as messages, the roads to
+// the end of the run, and every binding of the polled keys and the mouse.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -35,14 +35,6 @@ class Messages : public ::testing::Test {
     SetMenu(hWnd, app->m_hMenu);
     app->ResetGameState();
   }
-  ~Messages() override {
-    app->m_d3d = nullptr;
-    app->m_device = nullptr;
-    app->m_camera = nullptr;
-    DestroyWindow(hWnd);
-    win32::script::Disable();
-  }
-
   LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
     return app->HandleWindowMessage(hWnd, message, wParam, lParam);
   }
@@ -74,85 +66,43 @@ class Messages : public ::testing::Test {
   HWND hWnd = nullptr;
 };
 
-const Values kFirst = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
-                       {"offsetY", 10},   {"offsetZ", 0},    {"lag", 0},     {"mode", 1}};
-const Values kSpace = {{"friction", 125}, {"gravity", 0}, {"maxXZ", 400}, {"maxY", 400},
-                       {"offsetY", 0},    {"offsetZ", 0}, {"lag", 0},     {"mode", 3}};
-const Values kThird = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
-                       {"offsetY", 40},   {"offsetZ", -60},  {"lag", 0.25},  {"mode", 2}};
+// The columns of the camera commands 40010, 40011 and 40012.
+const char* const kCameraNames[] = {"friction", "gravity", "maxXZ", "maxY",
+                                    "offsetY",  "offsetZ", "lag",   "mode"};
+const double kCameraValues[3][8] = {{250, -400, 125, 400, 10, 0, 0, 1},
+                                    {125, 0, 400, 400, 0, 0, 0, 3},
+                                    {250, -400, 125, 400, 40, -60, 0.25, 2}};
 
-TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndNothingElse) {
-  // Commands in number order; 40015 to 40018 are no commands. The colour
-  // ops are not in value order: 8, 9, 7, 10, 4, 5, 6.
-  const std::map<UINT, Values> table = {{40010, kFirst},
-                                        {40011, kSpace},
-                                        {40012, kThird},
-                                        {40013, {{"fill", 3}}},
-                                        {40014, {{"fill", 2}}},
-                                        {40015, {}},
-                                        {40016, {}},
-                                        {40017, {}},
-                                        {40018, {}},
-                                        {40019, {{"mip", 0}}},
-                                        {40020, {{"mip", 1}}},
-                                        {40021, {{"mip", 2}}},
-                                        {40022, {{"singlePass", 1}}},
-                                        {40023, {{"singlePass", 0}}},
-                                        {40024, {{"colorOp", 8}}},
-                                        {40025, {{"colorOp", 9}}},
-                                        {40026, {{"colorOp", 7}}},
-                                        {40027, {{"colorOp", 10}}},
-                                        {40028, {{"colorOp", 4}}},
-                                        {40029, {{"colorOp", 5}}},
-                                        {40030, {{"colorOp", 6}}},
-                                        {40031, {{"min", 0}}},
-                                        {40032, {{"min", 1}}},
-                                        {40033, {{"min", 2}}},
-                                        {40034, {{"min", 3}}},
-                                        {40035, {{"mag", 0}}},
-                                        {40036, {{"mag", 1}}},
-                                        {40037, {{"mag", 2}}},
-                                        {40038, {{"mag", 3}}},
-                                        {40039, {{"anisotropy", 1}}},
-                                        {40040, {{"anisotropy", 2}}},
-                                        {40041, {{"anisotropy", 4}}},
-                                        {40042, {{"anisotropy", 8}}},
-                                        {40043, {{"anisotropy", 16}}},
-                                        {40044, {{"anisotropy", 32}}},
-                                        {40045, {{"anisotropy", 64}}}};
+TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndMarkAndNothingElse) {
+  // The option and value of each command from 40013 on, in number order;
+  // 40015 to 40018 are no commands. The colour ops are not in value order.
+  const std::string names[] = {"fill",       "fill",       "",           "",           "",
+                               "",           "mip",        "mip",        "mip",        "singlePass",
+                               "singlePass", "colorOp",    "colorOp",    "colorOp",    "colorOp",
+                               "colorOp",    "colorOp",    "colorOp",    "min",        "min",
+                               "min",        "min",        "mag",        "mag",        "mag",
+                               "mag",        "anisotropy", "anisotropy", "anisotropy", "anisotropy",
+                               "anisotropy", "anisotropy", "anisotropy"};
+  const double values[] = {3, 2, 0, 0, 0, 0, 0, 1, 2, 1, 0, 8, 9, 7,  10, 4, 5,
+                           6, 0, 1, 2, 3, 0, 1, 2, 3, 1, 2, 4, 8, 16, 32, 64};
   // Walked down twice, from two starting points, so that a command that
   // happens to find its own value in one round changes it in the other.
-  for (UINT start : {40045u, 40010u}) {
-    Send(WM_COMMAND, start == 40045u ? 40012 : 40031);
+  for (UINT start : {40012u, 40031u}) {
+    Send(WM_COMMAND, start);
     for (UINT command = 40045; command >= 40010; --command) {
       Values expected = Snapshot();
-      for (const auto& [name, value] : table.at(command)) expected[name] = value;
+      const bool camera = command < 40013;
+      for (int i = 0; camera && i < 8; ++i)
+        expected[kCameraNames[i]] = kCameraValues[command - 40010][i];
+      if (!camera && !names[command - 40013].empty())
+        expected[names[command - 40013]] = values[command - 40013];
       Send(WM_COMMAND, command);
       EXPECT_EQ(Snapshot(), expected) << "command " << command;
+      if (camera || !names[command - 40013].empty()) {  // the mark moves onto the entry chosen
+        EXPECT_TRUE(GetMenuState(app->m_hMenu, command, MF_BYCOMMAND) & MF_CHECKED) << command;
+      }
     }
   }
-}
-
-TEST_F(Messages, RenderStateCommandsMoveTheirMarksAndCameraCommandsTheirs) {
-  // Command, then the group's first and last and the marks they must show.
-  const struct {
-    UINT command, first, last;
-    const char* marks;
-  } rows[] = {
-      {40014, 40013, 40014, "01"},      {40013, 40013, 40014, "10"},
-      {40020, 40019, 40021, "010"},     {40023, 40022, 40023, "01"},
-      {40022, 40022, 40023, "10"},      {40027, 40024, 40030, "0001000"},
-      {40030, 40024, 40030, "0000001"}, {40031, 40031, 40034, "1000"},
-      {40038, 40035, 40038, "0001"},    {40041, 40039, 40045, "0010000"},
-      {40011, 40010, 40012, "010"},     {40011, 40010, 40012, "010"},
-  };
-  for (const auto& row : rows) {
-    Send(WM_COMMAND, row.command);
-    EXPECT_EQ(app.Checked(row.first, row.last), row.marks) << "command " << row.command;
-  }
-  EXPECT_FALSE(app.RenderStatesPopupGreyed(5));
-  Send(WM_COMMAND, 40023);
-  EXPECT_TRUE(app.RenderStatesPopupGreyed(5)) << "Multi Pass greys Color Blending Ops";
 }
 
 TEST_F(Messages, ChoosingTheCurrentCameraModeReappliesItsValuesOnTheSameCamera) {
@@ -212,6 +162,44 @@ TEST_F(Messages, ShiftEnterToFullScreenAndBackKeepsTheWorldAndReattachesTheMenu)
   EXPECT_GE(device.Count("Reset"), 2u);
   EXPECT_EQ(app->m_player.GetPosition(), position);
   EXPECT_TRUE(app->m_active);
+}
+
+TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
+  // Keys held, cursor motion while the left button holds the capture, and
+  // the turn in degrees that one frame makes of them.
+  const struct {
+    std::initializer_list<BYTE> keys;
+    int dx, dy;
+    float pitch, yaw, roll;
+  } rows[] = {
+      {{'A'}, 0, 0, 0.5f, 0, 0},
+      {{'Q'}, 0, 0, -0.5f, 0, 0},
+      {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
+      {{VK_RIGHT}, 0, 0, 0, 0.5f, 0},
+      {{}, 9, -6, -2.0f, 3.0f, 0},
+      {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
+      {{'S'}, 9, -6, 0, 0, 0},
+      {{'A', 'Q'}, 0, 0, 0, 0, 0},
+      {{}, 0, 0, 0, 0, 0},
+  };
+  for (const auto& row : rows) {
+    win32::script::Enable({.realWindows = false});
+    win32::script::HoldKeys(0, row.keys);
+    win32::script::MoveCursor(0, row.dx, row.dy);
+    app->m_captureCursor = {400, 300};  // where the cursor starts
+    SetCapture(hWnd);
+    QuitPosted();  // delivers the script
+    const CPlayer& p = app->m_player;
+    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll();
+    app->ReadInput();
+    EXPECT_FLOAT_EQ(p.GetPitch() - pitch, row.pitch) << "row " << &row - rows;
+    EXPECT_FLOAT_EQ(p.GetYaw() - yaw, row.yaw) << "row " << &row - rows;
+    EXPECT_FLOAT_EQ(p.GetRoll() - roll, row.roll) << "row " << &row - rows;
+    POINT cursor{};
+    GetCursorPos(&cursor);
+    EXPECT_EQ(cursor.x, 400) << "the cursor is put back";
+    ReleaseCapture();
+  }
 }
 
 }  // namespace

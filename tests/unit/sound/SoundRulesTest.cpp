@@ -85,7 +85,9 @@ class SoundRules : public ::testing::Test {
   // One frame's rules; the files played in it.
   std::vector<std::string> Frame(std::uint32_t direction = 0) {
     fakebass::ClearPlays();
-    app().RunSoundEvents(direction);
+    BYTE keys[256];  // the frame's key table, as ReadInput reads it
+    GetKeyboardState(keys);
+    app().RunSoundEvents(direction, keys);
     for (const fakebass::Play& play : fakebass::Plays()) EXPECT_FALSE(play.restart);
     return fakebass::PlayedPaths();
   }
