@@ -190,7 +190,7 @@ INT_PTR DialogBoxParamA(HINSTANCE hInstance, LPCSTR lpTemplateName, HWND hWndPar
     }
   }
 
-  if (!win32::IsScripted()) DialogViewClosed();
+  DialogViewClosed();
   const INT_PTR result = FindDialog(hDlg)->result;
   const std::vector<HWND> controls = FindDialog(hDlg)->controls;
   for (HWND control : controls) DestroyWindow(control);

@@ -62,19 +62,13 @@ INT_PTR CALLBACK RecordingProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lPa
 DialogRun Open(Fake& d3d, const CD3DSettings* start, std::vector<Step> steps = {},
                bool recordEvents = false) {
   RegisterResources();
-  win32::script::Options options;
-  options.realWindows = false;
-  win32::script::Enable(options);
+  win32::script::Enable({.realWindows = false});
   DialogRun run;
   CD3DInitialize init;
   EXPECT_EQ(init.Enumerate(&d3d), S_OK);
   win32::script::SetDialogCallback([&](HWND dlg, std::uint32_t turn) {
     run.shots.push_back(win32::DescribeDialog(dlg));
-    if (turn < steps.size()) {
-      steps[turn](dlg);
-    } else {
-      win32::UserClick(GetDlgItem(dlg, IDOK));
-    }
+    turn < steps.size() ? steps[turn](dlg) : win32::UserClick(GetDlgItem(dlg, IDOK));
     return true;
   });
   CD3DSettingsDlg dialog;
