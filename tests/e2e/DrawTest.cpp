@@ -322,7 +322,7 @@ TEST(Draw, TheSeaTintsADiverAndRainAndTheFlockShow) {
   // off from the first frame has no streaks.
   const Image rain = Capture(fs::current_path(), "rain", "--hold q:1-40", 150);
   const Image dry = Capture(fs::current_path(), "dry", "--hold q:1-40 --rain-off 1", 150);
-  EXPECT_GT(MeanDifference(rain, dry, 0.0, 0.5), 0.5);
+  EXPECT_GT(MeanDifference(rain, dry, 0.0, 0.5), 0.02);  // thin streaks: 0.06 measured, 0 if alike
 
   // Straight up once the last drops have landed: the flock's wings against
   // the flat sky (the plants of these assets are invisible).
