@@ -1,7 +1,9 @@
 // The window procedure and ReadInput on a record-only window of the scripted
 // back end, with fakes for Direct3D: the menu commands against the values
 // they must set, size changes, the keys that come as messages, the roads to
-// the end of the run, and every binding of the polled keys and the mouse.
+// the end of the run, every binding of the polled keys and the mouse, and a
+// game controller fed as SDL events against the keys it stands for.
+#include <SDL.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -232,6 +234,97 @@ TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
     EXPECT_EQ(cursor.x, 400) << "the cursor is put back";
     ReleaseCapture();
   }
+}
+
+// Sixty frames of a stick direction or button leave the player where its key
+// leaves it; a stick inside its dead zone does nothing; unplugging lets go.
+TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0);
+  constexpr SDL_JoystickID kPad = 7;
+  const struct {
+    BYTE vk;  // 0: none
+    int axis;
+    Sint16 value;
+    int button;
+  } rows[] = {
+      {VK_UP, SDL_CONTROLLER_AXIS_LEFTY, -32768, -1},    {VK_DOWN, SDL_CONTROLLER_AXIS_LEFTY, 20000, -1},
+      {'Z', SDL_CONTROLLER_AXIS_LEFTX, -9000, -1},       {'X', SDL_CONTROLLER_AXIS_LEFTX, 32767, -1},
+      {VK_LEFT, SDL_CONTROLLER_AXIS_RIGHTX, -32768, -1}, {VK_RIGHT, SDL_CONTROLLER_AXIS_RIGHTX, 32767, -1},
+      {'Q', SDL_CONTROLLER_AXIS_RIGHTY, -32768, -1},     {'A', SDL_CONTROLLER_AXIS_RIGHTY, 32767, -1},
+      {0, SDL_CONTROLLER_AXIS_LEFTY, -6000, -1},         {'J', -1, 0, SDL_CONTROLLER_BUTTON_A},
+      {'S', -1, 0, SDL_CONTROLLER_BUTTON_B},
+  };
+  // A fresh program for each run: the clock and the body start alike.
+  auto run = [&](auto start) {
+    win32::script::Enable({.realWindows = false});
+    AppUnderTest fresh;
+    fresh->m_d3d = &d3d;
+    fresh->m_device = &device;
+    fresh->m_hWnd = hWnd;
+    fresh->ResetGameState();
+    start();
+    for (int frame = 0; frame < 60; ++frame) {
+      QuitPosted();
+      fresh->m_timer.Tick(0.0f);
+      fresh->ReadInput();
+    }
+    const CPlayer& p = fresh->m_player;
+    std::vector<float> values{p.GetPosition().x, p.GetPosition().y, p.GetPosition().z, p.GetPitch(), p.GetYaw()};
+    fresh->m_d3d = nullptr;
+    fresh->m_device = nullptr;
+    fresh->m_camera = nullptr;
+    return values;
+  };
+  for (const auto& row : rows) {
+    const auto byKey = run([&] {
+      if (row.vk != 0) win32::script::HoldKeys(0, {row.vk});
+    });
+    const auto byPad = run([&] {
+      SDL_Event event{};
+      if (row.axis >= 0) {
+        event.type = SDL_CONTROLLERAXISMOTION;
+        event.caxis = {SDL_CONTROLLERAXISMOTION, 0, kPad, static_cast<Uint8>(row.axis), 0, 0, 0, row.value, 0};
+      } else {
+        event.type = SDL_CONTROLLERBUTTONDOWN;
+        event.cbutton = {SDL_CONTROLLERBUTTONDOWN, 0, kPad, static_cast<Uint8>(row.button), SDL_PRESSED, 0, 0};
+      }
+      SDL_PushEvent(&event);
+    });
+    for (std::size_t i = 0; i < byKey.size(); ++i)
+      EXPECT_NEAR(byPad[i], byKey[i], 1e-3f) << "row " << &row - rows << ", value " << i;
+    SDL_Event removed{};
+    removed.cdevice = {SDL_CONTROLLERDEVICEREMOVED, 0, kPad};
+    SDL_PushEvent(&removed);
+    EXPECT_FALSE(QuitPosted());
+    EXPECT_EQ(GetKeyState(row.vk) & 0x8000, 0) << "row " << &row - rows << " still held";
+  }
+}
+
+// Back ends the walk only when held for a second: Escape goes down once.
+TEST_F(Messages, GamepadBackHeldForASecondIsEscape) {
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0);
+  const auto escapes = [](int frames) {
+    int count = 0;
+    for (int frame = 0; frame < frames; ++frame) {
+      MSG msg;
+      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+        count += msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE;
+    }
+    return count;
+  };
+  const auto back = [](Uint8 state) {
+    SDL_Event event{};
+    event.cbutton = {state ? SDL_CONTROLLERBUTTONDOWN : SDL_CONTROLLERBUTTONUP, 0, 3, SDL_CONTROLLER_BUTTON_BACK,
+                     state, 0, 0};
+    SDL_PushEvent(&event);
+  };
+  back(SDL_PRESSED);
+  EXPECT_EQ(escapes(30), 0) << "half a second";
+  back(SDL_RELEASED);
+  EXPECT_EQ(escapes(90), 0) << "a short press";
+  back(SDL_PRESSED);
+  EXPECT_EQ(escapes(90), 1) << "held a second and a half";
+  back(SDL_RELEASED);
 }
 
 }  // namespace
