@@ -68,9 +68,10 @@ class ScriptBackEnd final : public Source {
   void Pump() override {
     DropSdlInput();
     if (m_options.maxFrames != 0 && m_frames >= m_options.maxFrames) {
+      // The caller chose the limit, so reaching it is the normal end of the
+      // run and says nothing.
       if (!m_quitRequested) {
         m_quitRequested = true;
-        std::fprintf(stderr, "win32 script: frame limit of %u reached, quitting\n", m_options.maxFrames);
         PostQuitMessage(0);
       }
       return;
