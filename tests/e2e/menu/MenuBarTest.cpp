@@ -57,40 +57,37 @@ void Click(int x, int y) {
   for (Uint32 type : {SDL_MOUSEMOTION, SDL_MOUSEBUTTONDOWN, SDL_MOUSEBUTTONUP}) Mouse(type, x, y);
 }
 
-void Key(Uint32 type, SDL_Keycode sym, Uint16 mod = KMOD_NONE) {
+// A key goes down and up, or only down or only up.
+void Key(SDL_Keycode sym, Uint16 mod = KMOD_NONE, bool down = true, bool up = true) {
   SDL_Event e{};
-  e.key.type = type;
-  e.key.state = type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
   e.key.keysym = {SDL_GetScancodeFromKey(sym), sym, mod, 0};
-  Push(e);
-}
-
-void Tap(SDL_Keycode sym, Uint16 mod = KMOD_NONE) {
-  Key(SDL_KEYDOWN, sym, mod);
-  Key(SDL_KEYUP, sym, mod);
+  for (Uint32 type : {SDL_KEYDOWN, SDL_KEYUP}) {
+    e.key.type = type;
+    e.key.state = type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
+    if (type == SDL_KEYDOWN ? down : up) Push(e);
+  }
 }
 
 // Clicks the middle of an entry drawn in the last frame: `path` goes from the
 // bar down the popups by position.
-void ClickEntry(std::initializer_list<int> path) {
+void ClickEntry(const std::vector<int>& path) {
   HMENU menu = App().m_hMenu, owner = menu;
   for (int position : path) owner = menu, menu = GetSubMenu(menu, position);
   RECT r{};
-  ASSERT_TRUE(win32::overlay::EntryRect(owner, *(path.end() - 1), &r));
+  ASSERT_TRUE(win32::overlay::EntryRect(owner, path.back(), &r));
   Click((r.left + r.right) / 2, (r.top + r.bottom) / 2);
 }
 
 Picture BackBuffer(UINT* width = nullptr, UINT* height = nullptr) {
   Picture argb;
   UINT w = 0, h = 0;
-  d3d9gl::ReadBackBuffer(App().m_device, argb, w, h);
+  d3d9gl::ReadBackBuffer(App().m_device, argb, width ? *width : w, height ? *height : h);
   for (std::uint32_t& c : argb) c &= 0xFFFFFF;
-  if (width) *width = w, *height = h;
   return argb;
 }
 
 // The window as shown, bar included; its top left written as a PNG when a file is given.
-Picture Window(int* width, const char* file = nullptr) {
+Picture Window(const char* file = nullptr) {
   int w = 0, h = 0;
   SDL_GL_GetDrawableSize(Sdl(), &w, &h);
   std::vector<unsigned char> rgb(std::size_t(w) * h * 3);
@@ -99,14 +96,13 @@ Picture Window(int* width, const char* file = nullptr) {
   glReadPixels(0, 0, w, h, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
   Picture p(std::size_t(w) * h);
   for (std::size_t i = 0; i < p.size(); ++i) {
-    const std::size_t from =
-        ((h - 1 - i / w) * std::size_t(w) + i % w) * 3;  // GL's rows run upwards
+    const std::size_t from = ((h - 1 - i / w) * w + i % w) * 3;  // GL's rows run upwards
     p[i] = std::uint32_t(rgb[from]) << 16 | std::uint32_t(rgb[from + 1]) << 8 | rgb[from + 2];
   }
   stbi_flip_vertically_on_write(1);
   if (file && w >= kShotWidth && h >= kShotHeight)  // the top left, where the popups open
-    stbi_write_png(file, kShotWidth, kShotHeight, 3, rgb.data() + std::size_t(h - kShotHeight) * w * 3, w * 3);
-  *width = w;
+    stbi_write_png(file, kShotWidth, kShotHeight, 3,
+                   rgb.data() + std::size_t(h - kShotHeight) * w * 3, w * 3);
   return p;
 }
 
@@ -119,8 +115,7 @@ double Share(const Picture& p, std::uint32_t colour) {
 void ExpectPictureFollowsTheWindow(int width, int height) {
   UINT w = 0, h = 0;
   const Picture back = BackBuffer(&w, &h);
-  int shownWidth = 0;
-  const Picture shown = Window(&shownWidth);
+  const Picture shown = Window();
   const int bar = win32::MenuBarHeight(App().m_hWnd);
   ASSERT_EQ(int(w), width);
   ASSERT_EQ(int(h), height - bar);
@@ -138,125 +133,105 @@ void OnPresent(HWND hWnd, void*) {
   s_wait = kSettle;
 }
 
+void Then(std::function<void()> step) {
+  s_plan.push_back(std::move(step));
+}
+
+// One step per click, from the bar down: {2, 0, 1} is Render States, Fill
+// Mode, Wireframe.
+void ClickThrough(std::vector<int> path) {
+  for (std::size_t n = 1; n <= path.size(); ++n)
+    Then([=] { ClickEntry(std::vector<int>(path.begin(), path.begin() + std::ptrdiff_t(n))); });
+}
+
 TEST(MenuBar, UsedByMouseAndKeyboardInTheRealProgram) {
   // Bar: 0 File, 1 Camera, 2 Render States; Render States: 0 Fill Mode,
   // 2 Filter, 5 Color Blending Ops, 6 Render Mode.
   Picture before;
   D3DXVECTOR3 position;
   float yaw = 0.0f;
-  const auto renderStates = [] { return GetSubMenu(App().m_hMenu, 2); };
-  s_plan = {
-      [&] { before = BackBuffer(); }, [] { ClickEntry({2}); },
-      [] {
-        ClickEntry({2, 0});
-      },
-      [] {
-        ClickEntry({2, 0, 1});
-      },  // Wireframe
-      [&] {
-        EXPECT_EQ(App().m_fillMode, D3DFILL_WIREFRAME);
-        // Lines leave the clear colour between them; solid ground shows none.
-        EXPECT_LT(Share(before, kClear), 0.01);
-        EXPECT_GT(Share(BackBuffer(), kClear), 0.2);
-        ClickEntry({2});
-      },
-      [] {
-        ClickEntry({2, 0});
-      },
-      [] {
-        ClickEntry({2, 0, 0});
-      },  // Solid
-      [] { ClickEntry({2}); },
-      [] {
-        ClickEntry({2, 6});
-      },
-      [] {
-        ClickEntry({2, 6, 1});
-      },  // Multi Pass
-      [&] {
-        EXPECT_FALSE(App().m_singlePass);
-        EXPECT_TRUE(GetMenuState(renderStates(), 5, MF_BYPOSITION) & MF_GRAYED);
-        ClickEntry({2});
-      },
-      // The README's picture: down to the marks of Minification, with Color
-      // Blending Ops greyed.
-      [] {
-        ClickEntry({2, 2});
-      },
-      [] {
-        ClickEntry({2, 2, 0});
-      },
-      [&] {
-        int width = 0;
-        const Picture shot = Window(&width, KARVO_SHOT_DIR "/render-states.png");
-        int dark[2] = {};  // dark text on the rows of Color Blending Ops and Render Mode
-        for (int row : {5, 6}) {
-          RECT r{};
-          win32::overlay::EntryRect(renderStates(), row, &r);
-          for (int y = r.top; y < r.bottom; ++y)
-            for (int x = r.left; x < r.right; ++x)
-              dark[row - 5] += (shot[y * width + x] & 0xC0C0C0) == 0;
-        }
-        EXPECT_EQ(dark[0], 0) << "the greyed popup's text is not grey";
-        EXPECT_GT(dark[1], 20);
-        for (int i = 0; i < 3; ++i) Tap(SDLK_ESCAPE);  // one popup each, the run goes on
-      },
-      [&] {
-        EXPECT_FALSE(win32::overlay::PopupOpen());
-        before = BackBuffer();
-        Tap(SDLK_c, KMOD_LALT);
-      },
-      [&] {
-        EXPECT_TRUE(win32::overlay::PopupOpen()) << "Alt+C opened no popup";
-        // Up held and a click into the world while the popup is open: the menu
-        // takes both, so no step and no mouse look.
-        position = App().m_player.GetPosition();
-        Key(SDL_KEYDOWN, SDLK_UP);
-        Click(600, 500);
-      },
-      [&] {
-        EXPECT_EQ(App().m_player.GetPosition().x, position.x);
-        EXPECT_EQ(App().m_player.GetPosition().z, position.z);
-        EXPECT_EQ(GetCapture(), nullptr);
-        EXPECT_FALSE(win32::overlay::PopupOpen()) << "a click outside closes the popup";
-        Key(SDL_KEYUP, SDLK_UP);
-        Tap(SDLK_c, KMOD_LALT);
-      },
-      [] { Tap(SDLK_t); },  // Third Person Mode, by its access key
-      [] {}, [] {},  // the trailing camera settles behind the body
-      [&] {
-        ASSERT_EQ(App().m_player.GetCameraMode(), CAM_MODE_3RD_PERSON);
-        // The body box now stands in the middle of the picture.
-        const Picture after = BackBuffer();
-        ASSERT_EQ(after.size(), before.size());
-        std::size_t changed = 0;
-        for (std::size_t i = before.size() / 3; i < before.size(); ++i)
-          changed += before[i] != after[i];
-        EXPECT_GT(changed, before.size() / 10);
-        // Mouse look by relative motion only: the pointer itself never moves
-        // here, as where a warp fails.
-        Mouse(SDL_MOUSEBUTTONDOWN, 600, 400);
-      },
-      [&] {
-        yaw = App().m_player.GetYaw();
-        Mouse(SDL_MOUSEMOTION, 600, 400, 30);
-      },
-      [&] {
-        EXPECT_FLOAT_EQ(App().m_player.GetYaw(), yaw + 10.0f) << "30 pixels are 10 degrees";
-        yaw = App().m_player.GetYaw();
-      },
-      [&] {
-        EXPECT_FLOAT_EQ(App().m_player.GetYaw(), yaw) << "the view kept turning";
-        Mouse(SDL_MOUSEBUTTONUP, 600, 400);
-        SDL_SetWindowSize(Sdl(), 640, 480);  // as a drag of the border does
-      },
-      [] {
-        ExpectPictureFollowsTheWindow(640, 480);
-        SDL_SetWindowSize(Sdl(), 1200, 700);
-      },
-      [] { ExpectPictureFollowsTheWindow(1200, 700); }, [] { Tap(SDLK_f, KMOD_LALT); },
-      [] { Tap(SDLK_x); },  // E&xit
-  };
+  Then([&] { before = BackBuffer(); });
+  ClickThrough({2, 0, 1});  // Wireframe
+  Then([&] {
+    EXPECT_EQ(App().m_fillMode, D3DFILL_WIREFRAME);
+    // Lines leave the clear colour between them; solid ground shows none.
+    EXPECT_LT(Share(before, kClear), 0.01);
+    EXPECT_GT(Share(BackBuffer(), kClear), 0.2);
+  });
+  ClickThrough({2, 0, 0});  // Solid
+  ClickThrough({2, 6, 1});  // Multi Pass
+  Then([] {
+    EXPECT_FALSE(App().m_singlePass);
+    EXPECT_TRUE(GetMenuState(GetSubMenu(App().m_hMenu, 2), 5, MF_BYPOSITION) & MF_GRAYED);
+  });
+  // Render Mode has no access key: the arrows reach it, Enter chooses.
+  for (SDL_Keycode key : {SDLK_r, SDLK_UP, SDLK_RIGHT, SDLK_RETURN})
+    Then([=] { Key(key, key == SDLK_r ? KMOD_LALT : KMOD_NONE); });
+  Then([] { EXPECT_TRUE(App().m_singlePass) << "Single Pass by the arrow keys"; });
+  ClickThrough({2, 6, 1});  // Multi Pass again, for the picture
+  // The README's picture: open down to the marks of Minification, with Color
+  // Blending Ops greyed.
+  ClickThrough({2, 2, 0});
+  Then([] {
+    Window(KARVO_SHOT_DIR "/render-states.png");
+    for (int i = 0; i < 3; ++i) Key(SDLK_ESCAPE);  // one popup each, the run goes on
+  });
+  Then([&] {
+    EXPECT_FALSE(win32::overlay::PopupOpen());
+    before = BackBuffer();
+    Key(SDLK_c, KMOD_LALT);
+  });
+  Then([&] {
+    EXPECT_TRUE(win32::overlay::PopupOpen()) << "Alt+C opened no popup";
+    // Up held and a click into the world while the popup is open: the menu
+    // takes both, so no step and no mouse look.
+    position = App().m_player.GetPosition();
+    Key(SDLK_UP, KMOD_NONE, true, false);
+    Click(600, 500);
+  });
+  Then([&] {
+    EXPECT_EQ(App().m_player.GetPosition().x, position.x);
+    EXPECT_EQ(App().m_player.GetPosition().z, position.z);
+    EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_FALSE(win32::overlay::PopupOpen()) << "a click outside closes the popup";
+    Key(SDLK_UP, KMOD_NONE, false, true);
+    Key(SDLK_c, KMOD_LALT);
+  });
+  Then([] { Key(SDLK_t); });  // Third Person Mode, by its access key
+  Then([] {});                // the trailing camera settles behind the body
+  Then([&] {
+    ASSERT_EQ(App().m_player.GetCameraMode(), CAM_MODE_3RD_PERSON);
+    // The body box now stands in the middle of the picture.
+    const Picture after = BackBuffer();
+    ASSERT_EQ(after.size(), before.size());
+    std::size_t changed = 0;
+    for (std::size_t i = before.size() / 3; i < before.size(); ++i)
+      changed += before[i] != after[i];
+    EXPECT_GT(changed, before.size() / 10);
+    // Mouse look by relative motion only: the pointer itself never moves
+    // here, as where a warp fails.
+    Mouse(SDL_MOUSEBUTTONDOWN, 600, 400);
+  });
+  Then([&] {
+    yaw = App().m_player.GetYaw();
+    Mouse(SDL_MOUSEMOTION, 600, 400, 30);
+  });
+  Then([&] {
+    EXPECT_FLOAT_EQ(App().m_player.GetYaw(), yaw + 10.0f) << "30 pixels are 10 degrees";
+    yaw = App().m_player.GetYaw();
+  });
+  Then([&] {
+    EXPECT_FLOAT_EQ(App().m_player.GetYaw(), yaw) << "the view kept turning";
+    Mouse(SDL_MOUSEBUTTONUP, 600, 400);
+    SDL_SetWindowSize(Sdl(), 640, 480);  // as a drag of the border does
+  });
+  Then([] {
+    ExpectPictureFollowsTheWindow(640, 480);
+    SDL_SetWindowSize(Sdl(), 1200, 700);
+  });
+  Then([] { ExpectPictureFollowsTheWindow(1200, 700); });
+  Then([] { Key(SDLK_f, KMOD_LALT); });
+  Then([] { Key(SDLK_x); });  // E&xit
   d3d9gl::SetPresentHook(&OnPresent, nullptr);
   EXPECT_EQ(WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT), 0);
   EXPECT_EQ(s_step, s_plan.size()) << "the run ended early";

@@ -37,14 +37,6 @@ class Messages : public ::testing::Test {
     SetMenu(hWnd, app->m_hMenu);
     app->ResetGameState();
   }
-  ~Messages() override {
-    app->m_d3d = nullptr;
-    app->m_device = nullptr;
-    app->m_camera = nullptr;
-    DestroyWindow(hWnd);
-    win32::script::Disable();
-  }
-
   LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
     return app->HandleWindowMessage(hWnd, message, wParam, lParam);
   }
@@ -76,63 +68,39 @@ class Messages : public ::testing::Test {
   HWND hWnd = nullptr;
 };
 
-const Values kFirst = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
-                       {"offsetY", 10},   {"offsetZ", 0},    {"lag", 0},     {"mode", 1}};
-const Values kSpace = {{"friction", 125}, {"gravity", 0}, {"maxXZ", 400}, {"maxY", 400},
-                       {"offsetY", 0},    {"offsetZ", 0}, {"lag", 0},     {"mode", 3}};
-const Values kThird = {{"friction", 250}, {"gravity", -400}, {"maxXZ", 125}, {"maxY", 400},
-                       {"offsetY", 40},   {"offsetZ", -60},  {"lag", 0.25},  {"mode", 2}};
+// The columns of the camera commands 40010, 40011 and 40012.
+const char* const kCameraNames[] = {"friction", "gravity", "maxXZ", "maxY",
+                                    "offsetY",  "offsetZ", "lag",   "mode"};
+const double kCameraValues[3][8] = {{250, -400, 125, 400, 10, 0, 0, 1},
+                                    {125, 0, 400, 400, 0, 0, 0, 3},
+                                    {250, -400, 125, 400, 40, -60, 0.25, 2}};
 
-TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndNothingElse) {
-  // Commands in number order; 40015 to 40018 are no commands. The colour
-  // ops are not in value order: 8, 9, 7, 10, 4, 5, 6.
-  const std::map<UINT, Values> table = {{40010, kFirst},
-                                        {40011, kSpace},
-                                        {40012, kThird},
-                                        {40013, {{"fill", 3}}},
-                                        {40014, {{"fill", 2}}},
-                                        {40015, {}},
-                                        {40016, {}},
-                                        {40017, {}},
-                                        {40018, {}},
-                                        {40019, {{"mip", 0}}},
-                                        {40020, {{"mip", 1}}},
-                                        {40021, {{"mip", 2}}},
-                                        {40022, {{"singlePass", 1}}},
-                                        {40023, {{"singlePass", 0}}},
-                                        {40024, {{"colorOp", 8}}},
-                                        {40025, {{"colorOp", 9}}},
-                                        {40026, {{"colorOp", 7}}},
-                                        {40027, {{"colorOp", 10}}},
-                                        {40028, {{"colorOp", 4}}},
-                                        {40029, {{"colorOp", 5}}},
-                                        {40030, {{"colorOp", 6}}},
-                                        {40031, {{"min", 0}}},
-                                        {40032, {{"min", 1}}},
-                                        {40033, {{"min", 2}}},
-                                        {40034, {{"min", 3}}},
-                                        {40035, {{"mag", 0}}},
-                                        {40036, {{"mag", 1}}},
-                                        {40037, {{"mag", 2}}},
-                                        {40038, {{"mag", 3}}},
-                                        {40039, {{"anisotropy", 1}}},
-                                        {40040, {{"anisotropy", 2}}},
-                                        {40041, {{"anisotropy", 4}}},
-                                        {40042, {{"anisotropy", 8}}},
-                                        {40043, {{"anisotropy", 16}}},
-                                        {40044, {{"anisotropy", 32}}},
-                                        {40045, {{"anisotropy", 64}}}};
+TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndMarkAndNothingElse) {
+  // The option and value of each command from 40013 on, in number order;
+  // 40015 to 40018 are no commands. The colour ops are not in value order.
+  const std::string names[] = {"fill",       "fill",       "",           "",           "",
+                               "",           "mip",        "mip",        "mip",        "singlePass",
+                               "singlePass", "colorOp",    "colorOp",    "colorOp",    "colorOp",
+                               "colorOp",    "colorOp",    "colorOp",    "min",        "min",
+                               "min",        "min",        "mag",        "mag",        "mag",
+                               "mag",        "anisotropy", "anisotropy", "anisotropy", "anisotropy",
+                               "anisotropy", "anisotropy", "anisotropy"};
+  const double values[] = {3, 2, 0, 0, 0, 0, 0, 1, 2, 1, 0, 8, 9, 7,  10, 4, 5,
+                           6, 0, 1, 2, 3, 0, 1, 2, 3, 1, 2, 4, 8, 16, 32, 64};
   // Walked down twice, from two starting points, so that a command that
   // happens to find its own value in one round changes it in the other.
-  for (UINT start : {40045u, 40010u}) {
-    Send(WM_COMMAND, start == 40045u ? 40012 : 40031);
+  for (UINT start : {40012u, 40031u}) {
+    Send(WM_COMMAND, start);
     for (UINT command = 40045; command >= 40010; --command) {
       Values expected = Snapshot();
-      for (const auto& [name, value] : table.at(command)) expected[name] = value;
+      const bool camera = command < 40013;
+      for (int i = 0; camera && i < 8; ++i)
+        expected[kCameraNames[i]] = kCameraValues[command - 40010][i];
+      if (!camera && !names[command - 40013].empty())
+        expected[names[command - 40013]] = values[command - 40013];
       Send(WM_COMMAND, command);
       EXPECT_EQ(Snapshot(), expected) << "command " << command;
-      // The mark moves onto the entry chosen (each command is in a group).
-      if (!table.at(command).empty()) {
+      if (camera || !names[command - 40013].empty()) {  // the mark moves onto the entry chosen
         EXPECT_TRUE(GetMenuState(app->m_hMenu, command, MF_BYCOMMAND) & MF_CHECKED) << command;
       }
     }
