@@ -204,65 +204,47 @@ TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
   }
 }
 
+// A controller event as SDL queues it, from controller 7: an axis at `value`,
+// a button down or up (value 1 or 0), or the controller unplugged.
+void PushPad(Uint32 type, int code = 0, int value = 0) {
+  SDL_InitSubSystem(SDL_INIT_EVENTS);
+  SDL_Event e{};
+  if (type == SDL_CONTROLLERAXISMOTION) e.caxis = {type, 0, 7, Uint8(code), 0, 0, 0, Sint16(value), 0};
+  else e.cbutton = {type, 0, 7, Uint8(code), Uint8(value), 0, 0};
+  SDL_PushEvent(&e);
+}
+
 // Sixty frames of a stick direction or button leave the player where its key
 // leaves it; a stick inside its dead zone does nothing; unplugging lets go.
 TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
-  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0);
-  constexpr SDL_JoystickID kPad = 7;
-  const struct {
-    BYTE vk;  // 0: none
-    int axis;
-    Sint16 value;
-    int button;
-  } rows[] = {
-      {VK_UP, SDL_CONTROLLER_AXIS_LEFTY, -32768, -1},    {VK_DOWN, SDL_CONTROLLER_AXIS_LEFTY, 20000, -1},
-      {'Z', SDL_CONTROLLER_AXIS_LEFTX, -9000, -1},       {'X', SDL_CONTROLLER_AXIS_LEFTX, 32767, -1},
-      {VK_LEFT, SDL_CONTROLLER_AXIS_RIGHTX, -32768, -1}, {VK_RIGHT, SDL_CONTROLLER_AXIS_RIGHTX, 32767, -1},
-      {'Q', SDL_CONTROLLER_AXIS_RIGHTY, -32768, -1},     {'A', SDL_CONTROLLER_AXIS_RIGHTY, 32767, -1},
-      {0, SDL_CONTROLLER_AXIS_LEFTY, -6000, -1},         {'J', -1, 0, SDL_CONTROLLER_BUTTON_A},
-      {'S', -1, 0, SDL_CONTROLLER_BUTTON_B},
-  };
-  // A fresh program for each run: the clock and the body start alike.
+  constexpr Uint32 kAxis = SDL_CONTROLLERAXISMOTION, kButton = SDL_CONTROLLERBUTTONDOWN;
+  const struct { BYTE vk; Uint32 type; int code, value; } rows[] = {
+      {VK_UP, kAxis, SDL_CONTROLLER_AXIS_LEFTY, -32768},    {VK_DOWN, kAxis, SDL_CONTROLLER_AXIS_LEFTY, 20000},
+      {'Z', kAxis, SDL_CONTROLLER_AXIS_LEFTX, -9000},       {'X', kAxis, SDL_CONTROLLER_AXIS_LEFTX, 32767},
+      {VK_LEFT, kAxis, SDL_CONTROLLER_AXIS_RIGHTX, -32768}, {VK_RIGHT, kAxis, SDL_CONTROLLER_AXIS_RIGHTX, 32767},
+      {'Q', kAxis, SDL_CONTROLLER_AXIS_RIGHTY, -32768},     {'A', kAxis, SDL_CONTROLLER_AXIS_RIGHTY, 32767},
+      {0, kAxis, SDL_CONTROLLER_AXIS_LEFTY, -6000},         {'J', kButton, SDL_CONTROLLER_BUTTON_A, 1},
+      {'S', kButton, SDL_CONTROLLER_BUTTON_B, 1}};
+  // A fresh program for each run, so that the clock and the body start alike.
   auto run = [&](auto start) {
     win32::script::Enable({.realWindows = false});
     AppUnderTest fresh;
-    fresh->m_d3d = &d3d;
     fresh->m_device = &device;
     fresh->m_hWnd = hWnd;
     fresh->ResetGameState();
     start();
-    for (int frame = 0; frame < 60; ++frame) {
-      QuitPosted();
-      fresh->m_timer.Tick(0.0f);
-      fresh->ReadInput();
-    }
+    for (int frame = 0; frame < 60; ++frame) QuitPosted(), fresh->m_timer.Tick(0.0f), fresh->ReadInput();
     const CPlayer& p = fresh->m_player;
-    std::vector<float> values{p.GetPosition().x, p.GetPosition().y, p.GetPosition().z, p.GetPitch(), p.GetYaw()};
-    fresh->m_d3d = nullptr;
     fresh->m_device = nullptr;
     fresh->m_camera = nullptr;
-    return values;
+    return std::vector<float>{p.GetPosition().x, p.GetPosition().y, p.GetPosition().z, p.GetPitch(), p.GetYaw()};
   };
   for (const auto& row : rows) {
-    const auto byKey = run([&] {
-      if (row.vk != 0) win32::script::HoldKeys(0, {row.vk});
-    });
-    const auto byPad = run([&] {
-      SDL_Event event{};
-      if (row.axis >= 0) {
-        event.type = SDL_CONTROLLERAXISMOTION;
-        event.caxis = {SDL_CONTROLLERAXISMOTION, 0, kPad, static_cast<Uint8>(row.axis), 0, 0, 0, row.value, 0};
-      } else {
-        event.type = SDL_CONTROLLERBUTTONDOWN;
-        event.cbutton = {SDL_CONTROLLERBUTTONDOWN, 0, kPad, static_cast<Uint8>(row.button), SDL_PRESSED, 0, 0};
-      }
-      SDL_PushEvent(&event);
-    });
+    const auto byKey = run([&] { win32::script::HoldKeys(0, {row.vk}); });
+    const auto byPad = run([&] { PushPad(row.type, row.code, row.value); });
     for (std::size_t i = 0; i < byKey.size(); ++i)
       EXPECT_NEAR(byPad[i], byKey[i], 1e-3f) << "row " << &row - rows << ", value " << i;
-    SDL_Event removed{};
-    removed.cdevice = {SDL_CONTROLLERDEVICEREMOVED, 0, kPad};
-    SDL_PushEvent(&removed);
+    PushPad(SDL_CONTROLLERDEVICEREMOVED);
     EXPECT_FALSE(QuitPosted());
     EXPECT_EQ(GetKeyState(row.vk) & 0x8000, 0) << "row " << &row - rows << " still held";
   }
@@ -270,29 +252,18 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
 
 // Back ends the walk only when held for a second: Escape goes down once.
 TEST_F(Messages, GamepadBackHeldForASecondIsEscape) {
-  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0);
-  const auto escapes = [](int frames) {
+  const auto escapesIn = [](int frames) {
     int count = 0;
-    for (int frame = 0; frame < frames; ++frame) {
-      MSG msg;
-      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
-        count += msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE;
-    }
+    for (MSG msg; frames-- > 0;)
+      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) count += msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE;
     return count;
   };
-  const auto back = [](Uint8 state) {
-    SDL_Event event{};
-    event.cbutton = {state ? SDL_CONTROLLERBUTTONDOWN : SDL_CONTROLLERBUTTONUP, 0, 3, SDL_CONTROLLER_BUTTON_BACK,
-                     state, 0, 0};
-    SDL_PushEvent(&event);
-  };
-  back(SDL_PRESSED);
-  EXPECT_EQ(escapes(30), 0) << "half a second";
-  back(SDL_RELEASED);
-  EXPECT_EQ(escapes(90), 0) << "a short press";
-  back(SDL_PRESSED);
-  EXPECT_EQ(escapes(90), 1) << "held a second and a half";
-  back(SDL_RELEASED);
+  PushPad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_BACK, 1);
+  EXPECT_EQ(escapesIn(30), 0) << "half a second";
+  PushPad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_BACK, 0);
+  EXPECT_EQ(escapesIn(90), 0) << "a short press";
+  PushPad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_BACK, 1);
+  EXPECT_EQ(escapesIn(90), 1) << "held a second and a half";
 }
 
 }  // namespace
