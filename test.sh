@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 source scripts/common.sh
 
 BUILD_DIR="${BUILD_DIR:-build}"
-# Set explicitly: ./run.sh configures the same build/ without tests.
+# Set explicitly: a build/ configured by hand may have them off.
 cmake_args=(-DKARVO_TESTS=ON)
 if [ "${CI:-}" = "true" ]; then
   cmake_args+=(-DWERROR=ON)

@@ -1,12 +1,11 @@
 // Menu 101 as a flat resource list, dialog 103 as a control table, and icon
-// 102: a hill over the sea under a blue sky, drawn once into 32 x 32 ARGB
-// pixels.
+// 102: the icon picture drawn once into 32 x 32 ARGB pixels.
 #include "app/Resources.h"
 
-#include <cmath>
 #include <cstdint>
 #include <iterator>
 
+#include "app/IconPicture.h"
 #include "device/D3DSettingsDlg.h"
 #include "platform/win32/Win32Resources.h"
 
@@ -145,32 +144,11 @@ const win32::DialogResource kSettingsDialog = {
 
 constexpr int kIconSize = 32;
 
-// Sky fading to pale at the horizon, the sea below it, a green hill with a
-// lighter crest rising out of the sea.
-void DrawIcon(std::uint32_t* pixels) {
-  for (int y = 0; y < kIconSize; ++y) {
-    for (int x = 0; x < kIconSize; ++x) {
-      const double hill = 13.0 + 9.0 * std::sin((x + 4) * 3.14159265 / 28.0);
-      std::uint32_t colour;
-      if (kIconSize - y <= hill) {
-        const bool crest = kIconSize - y > hill - 2.0;
-        colour = crest ? 0xFF7FC75Au : 0xFF3E8E2Fu;
-      } else if (y >= 24) {
-        colour = 0xFF2F6FB8u;
-      } else {
-        const std::uint32_t fade = static_cast<std::uint32_t>(y * 4);
-        colour = 0xFF000000u | ((0x50u + fade) << 16) | ((0x90u + fade) << 8) | 0xF0u;
-      }
-      pixels[y * kIconSize + x] = colour;
-    }
-  }
-}
-
 }  // namespace
 
 bool RegisterResources() {
   static std::uint32_t s_iconPixels[kIconSize * kIconSize];
-  DrawIcon(s_iconPixels);
+  DrawIconPicture(s_iconPixels, kIconSize);
   const bool menu = win32::RegisterMenuResource(IDR_MAIN_MENU, kMainMenu, std::size(kMainMenu));
   const bool icon =
       win32::RegisterIconResource(IDI_MAIN_ICON, {kIconSize, kIconSize, s_iconPixels});

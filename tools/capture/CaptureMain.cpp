@@ -242,5 +242,7 @@ int main(int argc, char** argv) {
                  missing, options.frames.size(), exitCode);
     return 1;
   }
+  std::fprintf(stderr, "karvo-capture: %d frame%s written to %s\n", s_run.written, s_run.written == 1 ? "" : "s",
+               outDir.c_str());
   return exitCode;
 }

@@ -3,7 +3,8 @@
 //
 // While it is enabled:
 //  - Keys, mouse buttons, cursor motion and posted messages come from a
-//    schedule by frame number; SDL's own input is read and dropped.
+//    schedule by frame number; SDL's own input is read and dropped, except
+//    game controller events, which act on the fixed clock as they would live.
 //  - A frame boundary is a PeekMessageA that finds nothing to deliver: the
 //    caller is about to run a frame. Frames count from 0 at Enable. The events
 //    of frame N are delivered before frame N runs: when PeekMessageA first

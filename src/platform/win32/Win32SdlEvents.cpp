@@ -6,6 +6,7 @@
 
 #include <chrono>
 
+#include "platform/win32/Win32SdlGamepad.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {
@@ -139,6 +140,8 @@ void ButtonEvent(const SDL_MouseButtonEvent& event, bool taken) {
 void CursorMoved(const SDL_Event& event);
 
 void Translate(const SDL_Event& event) {
+  // Controllers are the layer's own input: the overlay never sees them.
+  if (Gamepad().Handle(event, SdlSource().Counter())) return;
   State& state = GetState();
   const bool taken = state.hook && event.type != SDL_WINDOWEVENT && event.type != SDL_QUIT &&
                      state.hook(event, state.hookUser);
@@ -177,8 +180,10 @@ class SdlBackEnd final : public Source {
  public:
   void Pump() override {
     if (!SDL_WasInit(SDL_INIT_EVENTS)) return;
+    Gamepad().Start();
     SDL_Event event;
     while (SDL_PollEvent(&event)) Translate(event);
+    Gamepad().Tick(Counter());
   }
 
   void FrameBoundary() override {}

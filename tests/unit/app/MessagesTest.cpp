@@ -1,7 +1,9 @@
 // The window procedure and ReadInput on a record-only window of the scripted
 // back end, with fakes for Direct3D: the menu commands against the values
 // they must set, size changes, the keys that come as messages, the roads to
-// the end of the run, and every binding of the polled keys and the mouse.
+// the end of the run, every binding of the polled keys and the mouse, and a
+// game controller fed as SDL events against the keys it stands for.
+#include <SDL.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -200,6 +202,68 @@ TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
     EXPECT_EQ(cursor.x, 400) << "the cursor is put back";
     ReleaseCapture();
   }
+}
+
+// A controller event as SDL queues it, from controller 7: an axis at `value`,
+// a button down or up (value 1 or 0), or the controller unplugged.
+void PushPad(Uint32 type, int code = 0, int value = 0) {
+  SDL_InitSubSystem(SDL_INIT_EVENTS);
+  SDL_Event e{};
+  if (type == SDL_CONTROLLERAXISMOTION) e.caxis = {type, 0, 7, Uint8(code), 0, 0, 0, Sint16(value), 0};
+  else e.cbutton = {type, 0, 7, Uint8(code), Uint8(value), 0, 0};
+  SDL_PushEvent(&e);
+}
+
+// Sixty frames of a stick direction or button leave the player where its key
+// leaves it; a stick inside its dead zone does nothing; unplugging lets go.
+TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
+  constexpr Uint32 kAxis = SDL_CONTROLLERAXISMOTION, kButton = SDL_CONTROLLERBUTTONDOWN;
+  const struct { BYTE vk; Uint32 type; int code, value; } rows[] = {
+      {VK_UP, kAxis, SDL_CONTROLLER_AXIS_LEFTY, -32768},    {VK_DOWN, kAxis, SDL_CONTROLLER_AXIS_LEFTY, 20000},
+      {'Z', kAxis, SDL_CONTROLLER_AXIS_LEFTX, -9000},       {'X', kAxis, SDL_CONTROLLER_AXIS_LEFTX, 32767},
+      {VK_LEFT, kAxis, SDL_CONTROLLER_AXIS_RIGHTX, -32768}, {VK_RIGHT, kAxis, SDL_CONTROLLER_AXIS_RIGHTX, 32767},
+      {'Q', kAxis, SDL_CONTROLLER_AXIS_RIGHTY, -32768},     {'A', kAxis, SDL_CONTROLLER_AXIS_RIGHTY, 32767},
+      {0, kAxis, SDL_CONTROLLER_AXIS_LEFTY, -6000},         {'J', kButton, SDL_CONTROLLER_BUTTON_A, 1},
+      {'S', kButton, SDL_CONTROLLER_BUTTON_B, 1}};
+  // A fresh program for each run, so that the clock and the body start alike.
+  auto run = [&](auto start) {
+    win32::script::Enable({.realWindows = false});
+    AppUnderTest fresh;
+    fresh->m_device = &device;
+    fresh->m_hWnd = hWnd;
+    fresh->ResetGameState();
+    start();
+    for (int frame = 0; frame < 60; ++frame) QuitPosted(), fresh->m_timer.Tick(0.0f), fresh->ReadInput();
+    const CPlayer& p = fresh->m_player;
+    fresh->m_device = nullptr;
+    fresh->m_camera = nullptr;
+    return std::vector<float>{p.GetPosition().x, p.GetPosition().y, p.GetPosition().z, p.GetPitch(), p.GetYaw()};
+  };
+  for (const auto& row : rows) {
+    const auto byKey = run([&] { win32::script::HoldKeys(0, {row.vk}); });
+    const auto byPad = run([&] { PushPad(row.type, row.code, row.value); });
+    for (std::size_t i = 0; i < byKey.size(); ++i)
+      EXPECT_NEAR(byPad[i], byKey[i], 1e-3f) << "row " << &row - rows << ", value " << i;
+    PushPad(SDL_CONTROLLERDEVICEREMOVED);
+    EXPECT_FALSE(QuitPosted());
+    EXPECT_EQ(GetKeyState(row.vk) & 0x8000, 0) << "row " << &row - rows << " still held";
+  }
+}
+
+// Back ends the walk only when held for a second: Escape goes down once.
+TEST_F(Messages, GamepadBackHeldForASecondIsEscape) {
+  const auto escapesIn = [](int frames) {
+    int count = 0;
+    for (MSG msg; frames-- > 0;)
+      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) count += msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE;
+    return count;
+  };
+  PushPad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_BACK, 1);
+  EXPECT_EQ(escapesIn(30), 0) << "half a second";
+  PushPad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_BACK, 0);
+  EXPECT_EQ(escapesIn(90), 0) << "a short press";
+  PushPad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_BACK, 1);
+  EXPECT_EQ(escapesIn(90), 1) << "held a second and a half";
 }
 
 }  // namespace
