@@ -18,14 +18,11 @@ namespace win32::overlay {
 namespace {
 
 constexpr int kButtons = 3;  // left, right, middle: ImGui's 0, 1, 2
-constexpr int kKeys = 512;   // ImGui's KeysDown, by SDL scan code
 
 struct Input {
   bool held[kButtons] = {};
   bool pressed[kButtons] = {};  // pressed since the last frame
   bool tookPress[kButtons] = {};
-  bool keyHeld[kKeys] = {};  // by scan code, of the keys the overlay took
-  bool keyPressed[kKeys] = {};
   SDL_Keymod mod = KMOD_NONE;
 };
 
@@ -107,35 +104,27 @@ bool Button(const SDL_MouseButtonEvent& event) {
 
 bool Key(const SDL_KeyboardEvent& event) {
   OverlayState& state = State();
+  const bool down = event.type == SDL_KEYDOWN;
   s_input.mod = static_cast<SDL_Keymod>(event.keysym.mod);
-  const int scancode =
-      event.keysym.scancode >= 0 && event.keysym.scancode < kKeys ? event.keysym.scancode : 0;
-  if (event.type == SDL_KEYUP) {
-    s_input.keyHeld[scancode] = false;
-    return state.modal;
-  }
+  const SDL_Scancode scancode = event.keysym.scancode;
+  ImGuiIO& io = ImGui::GetIO();
+  if (scancode >= 0 && scancode < static_cast<int>(IM_ARRAYSIZE(io.KeysDown)))
+    io.KeysDown[scancode] = down;
+  if (!down || state.modal) return state.modal;
   const char letter = KeyLetter(event.keysym.sym);
-  const bool escape = event.keysym.sym == SDLK_ESCAPE;
-  if (!state.modal && !state.popupOpen) {
-    if (!(event.keysym.mod & KMOD_ALT) || !letter ||
-        !IsBarAccessKey(WindowOfId(event.windowID), letter))
-      return false;
+  if (state.popupOpen) {
+    // An open menu has the keyboard, as on the desktop: nothing reaches the
+    // world until it closes.
+    if (event.keysym.sym == SDLK_ESCAPE) ++state.escapes;
+    if (letter) state.accessKey = letter;
+    return true;
+  }
+  if ((event.keysym.mod & KMOD_ALT) && letter &&
+      IsBarAccessKey(WindowOfId(event.windowID), letter)) {
     state.altKey = letter;
     return true;
   }
-  if (!state.modal) {
-    // An open menu has the keyboard, as on the desktop: nothing reaches the
-    // world until it closes. Escape and access keys are the bar's own;
-    // arrows and Enter go to ImGui's keyboard navigation.
-    if (escape) ++state.escapes;
-    if (letter) state.accessKey = letter;
-  }
-  if (!escape || state.modal) s_input.keyHeld[scancode] = s_input.keyPressed[scancode] = true;
-  // Enter chooses the highlighted entry, as on the desktop; ImGui 1.86's
-  // navigation chooses with Space.
-  const bool enter = event.keysym.sym == SDLK_RETURN || event.keysym.sym == SDLK_KP_ENTER;
-  if (enter && !state.modal) s_input.keyPressed[SDL_SCANCODE_SPACE] = true;
-  return true;
+  return false;
 }
 
 bool Hook(const SDL_Event& event, void*) {
@@ -173,7 +162,6 @@ void EnsureContext() {
   io.BackendPlatformName = "karvo-win32";
   io.BackendRendererName = "karvo-gl33";
   io.BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
-  io.ConfigFlags |= ImGuiConfigFlags_NavEnableKeyboard;  // arrows and Enter in open menus
   for (const auto& row : kKeyMap) io.KeyMap[row.key] = row.scancode;
   ImGui::StyleColorsLight();
   ImGuiStyle& style = ImGui::GetStyle();
@@ -222,15 +210,9 @@ bool BeginFrame(HWND hWnd) {
     io.MouseDown[b] = s_input.held[b] || s_input.pressed[b];
     s_input.pressed[b] = false;
   }
-  for (int k = 0; k < kKeys; ++k) {
-    io.KeysDown[k] = s_input.keyHeld[k] || s_input.keyPressed[k];
-    s_input.keyPressed[k] = false;
-  }
   io.KeyCtrl = (s_input.mod & KMOD_CTRL) != 0;
   io.KeyShift = (s_input.mod & KMOD_SHIFT) != 0;
-  // Alt alone would move ImGui's navigation into the bar while the world has
-  // the keyboard: it counts only where the overlay has it.
-  io.KeyAlt = (s_input.mod & KMOD_ALT) != 0 && (State().modal || State().popupOpen);
+  io.KeyAlt = (s_input.mod & KMOD_ALT) != 0;
   io.KeySuper = (s_input.mod & KMOD_GUI) != 0;
   ImGui::NewFrame();
   s_inFrame = true;

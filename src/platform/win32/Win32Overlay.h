@@ -15,11 +15,9 @@
 //      * mouse presses over the menu bar or while a popup is open, and the
 //        release of a press it took;
 //      * every key press while a popup is open (Escape closes the innermost
-//        popup, a letter chooses by access key, arrows and Enter navigate),
-//        and Alt+letter when the letter is the access key of a popup of the
-//        bar;
+//        popup, a letter chooses by access key), and Alt+letter when the
+//        letter is the access key of a popup of the bar;
 //      * everything but window events while SetModal(true) is in force.
-//    ImGui sees the keys the overlay took (and their releases), no others.
 //    Presses and releases that arrive within one frame are both seen: a
 //    press is latched until the next BeginFrame.
 //  - BeginFrame / RenderFrame bracket one UI frame, with a GL 3.3 context

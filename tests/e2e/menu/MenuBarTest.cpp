@@ -164,11 +164,6 @@ TEST(MenuBar, UsedByMouseAndKeyboardInTheRealProgram) {
     EXPECT_FALSE(App().m_singlePass);
     EXPECT_TRUE(GetMenuState(GetSubMenu(App().m_hMenu, 2), 5, MF_BYPOSITION) & MF_GRAYED);
   });
-  // Render Mode has no access key: the arrows reach it, Enter chooses.
-  for (SDL_Keycode key : {SDLK_r, SDLK_UP, SDLK_RIGHT, SDLK_RETURN})
-    Then([=] { Key(key, key == SDLK_r ? KMOD_LALT : KMOD_NONE); });
-  Then([] { EXPECT_TRUE(App().m_singlePass) << "Single Pass by the arrow keys"; });
-  ClickThrough({2, 6, 1});  // Multi Pass again, for the picture
   // The README's picture: open down to the marks of Minification, with Color
   // Blending Ops greyed.
   ClickThrough({2, 2, 0});
