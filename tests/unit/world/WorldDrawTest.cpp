@@ -169,9 +169,12 @@ TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) 
                       RS(D3DRS_CULLMODE, D3DCULL_CCW)};
   auto plants = [&](CPlantRecord* p, bool tree) {  // as the scene's sorts left them
     return Recorded([&] {
-      for (int i = 0; i < 3; ++i)
-        (t.*(tree ? &CTerrain::DrawTree : &CTerrain::DrawWeed))(p[i].m_x, p[i].m_y, p[i].m_z, 1,
-                                                                400, camera);
+      for (int i = 0; i < 3; ++i) {
+        if (tree)
+          t.DrawTree(p[i].m_x, p[i].m_y, p[i].m_z, 1, 400, camera);
+        else
+          t.DrawWeed(p[i].m_x, p[i].m_y, p[i].m_z, 1, 400, camera);
+      }
     });
   };
   t.m_mapWidth = t.m_mapHeight = 257;  // the sea at 864 over the whole map
