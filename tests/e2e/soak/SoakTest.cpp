@@ -6,7 +6,7 @@
 // a few bytes a frame shows over thousands of frames.
 //
 // KARVO_SOAK_FRAMES sets the length (10,000 frames; the suite runs 600, which
-// gives every command once, and 400 in the sanitizer build); KARVO_SOAK_TRACE
+// gives every command once, and 300 in the sanitizer build); KARVO_SOAK_TRACE
 // prints each cycle.
 #include <gtest/gtest.h>
 #include <unistd.h>
