@@ -28,11 +28,16 @@ __attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRI
 constexpr std::uint32_t kCycle = 100;
 constexpr BYTE kKeyJ = 0x4A, kKeyS = 0x53;
 
-// Every command of the menus but Exit and Change Device, in the order the
-// cycles give them, six a cycle.
-constexpr UINT kCommands[] = {40010, 40011, 40012, 40013, 40014, 40031, 40032, 40033, 40034, 40035, 40036, 40037,
-                              40038, 40039, 40040, 40041, 40042, 40043, 40044, 40045, 40019, 40020, 40021, 40024,
-                              40025, 40026, 40027, 40028, 40029, 40030, 40023, 40022, 40013, 40010};
+// Every command of the menus but Exit and Change Device, six a cycle, all
+// delivered before one frame. Each cycle ends on cheap states (no anisotropy,
+// solid fill): software GL pays dearly for 64-fold anisotropic filtering, and
+// only the last command of a group stays in force for the frames after it.
+constexpr UINT kCommands[] = {40011, 40012, 40010, 40014, 40013, 40022,   // cameras, fill
+                              40031, 40032, 40034, 40035, 40036, 40033,   // minification, magnification
+                              40038, 40037, 40019, 40020, 40021, 40039,   // magnification, mip filter
+                              40040, 40041, 40042, 40043, 40044, 40039,   // maximum anisotropy
+                              40045, 40039, 40024, 40025, 40026, 40027,   // colour operations
+                              40028, 40029, 40030, 40023, 40022, 40028};  // render mode
 
 struct Holdings {
   long residentKiB = 0;
