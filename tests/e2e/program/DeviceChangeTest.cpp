@@ -2,7 +2,6 @@
 // placed anew by every change): the dialog is played by the script. A change
 // to another multisample type or present interval with OK, one with Cancel,
 // then 100 changes while process memory and live GL objects are counted.
-#include <epoxy/gl.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -18,9 +17,13 @@
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Dialogs.h"
 #include "platform/win32/Win32Script.h"
+#include "support/DeviceChangePlay.h"
 #include "terrain/Vertex.h"
 
 namespace {
+
+using test_support::GlCounts;
+using test_support::LiveGlObjects;
 
 __attribute__((constructor(101))) void ChooseQuietAudio() {
   setenv("SDL_AUDIODRIVER", "dummy", 0);
@@ -60,33 +63,6 @@ Snapshot Take() {
   return s;
 }
 
-// GL names alive in the device's context, by kind: textures, buffers,
-// framebuffers, renderbuffers, vertex arrays, programs, shaders.
-using GlCounts = std::array<int, 7>;
-GlCounts LiveGlObjects() {
-  GlCounts live{};
-  for (GLuint name = 1; name < 65536; ++name) {
-    const GLboolean alive[7] = {
-        glIsTexture(name),     glIsBuffer(name),  glIsFramebuffer(name), glIsRenderbuffer(name),
-        glIsVertexArray(name), glIsProgram(name), glIsShader(name)};
-    for (int kind = 0; kind < 7; ++kind) live[kind] += alive[kind];
-  }
-  return live;
-}
-
-// Another entry than the selected one in the first of these lists that has one.
-bool PickAnother(HWND dlg, std::initializer_list<int> ids, int* picked) {
-  const win32::DialogInfo info = win32::DescribeDialog(dlg);
-  for (int id : ids)
-    for (const auto& control : info.controls)
-      if (control.id == id && control.entries.size() > 1) {
-        win32::UserSelect(control.handle, control.selected == 0 ? 1 : 0);
-        *picked = id;
-        return true;
-      }
-  return false;
-}
-
 struct Record {
   Snapshot beforeOk, afterOk, beforeCancel, afterCancel;
   int pickedList = 0;
@@ -118,9 +94,8 @@ const Record& RunProgram() {
         ++r->dialogs;
         if (r->dialogs == 1) r->beforeOk = Take();
         if (r->dialogs == 2) r->beforeCancel = Take();
-        int picked = 0;
-        if (!PickAnother(dlg, {IDC_MULTISAMPLE_TYPE_COMBO, IDC_PRESENTINTERVAL_COMBO}, &picked))
-          return false;
+        const int picked = test_support::PickAnother(dlg, {IDC_MULTISAMPLE_TYPE_COMBO, IDC_PRESENTINTERVAL_COMBO});
+        if (picked == 0) return false;
         if (r->dialogs == 1) r->pickedList = picked;
         return true;
       }

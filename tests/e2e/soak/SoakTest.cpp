@@ -1,9 +1,10 @@
 // A long run of the whole program through the scripted back end, doing in
 // turn what a user does over an evening: walking, jumping, swimming and
 // diving, mouse look, every menu command, resizing, minimising and restoring,
-// full screen and back, and lost devices. What the process holds after the
-// run (memory, open files) must be what it held in the first cycles: a leak of
-// a few bytes a frame shows over thousands of frames.
+// full screen and back, lost devices, and a change of device through the
+// settings dialog. What the process holds after the run (memory, open files,
+// GL objects) must be what it held in the first cycles: a leak of a few bytes
+// a frame shows over thousands of frames.
 //
 // KARVO_SOAK_FRAMES sets the length (10,000 frames; the suite runs 600, which
 // gives every command once, and 300 in the sanitizer build); KARVO_SOAK_TRACE
@@ -18,8 +19,10 @@
 #include <string>
 
 #include "app/GameApp.h"
+#include "device/D3DSettingsDlg.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Script.h"
+#include "support/DeviceChangePlay.h"
 
 namespace {
 
@@ -27,6 +30,7 @@ __attribute__((constructor(101))) void ChooseQuietAudio() { setenv("SDL_AUDIODRI
 
 constexpr std::uint32_t kCycle = 100;
 constexpr BYTE kKeyJ = 0x4A, kKeyS = 0x53;
+constexpr UINT kChangeDevice = 40009;
 
 // Every command of the menus but Exit and Change Device, six a cycle, all
 // delivered before one frame. Each cycle ends on cheap states (no anisotropy,
@@ -44,6 +48,15 @@ struct Holdings {
   long openFiles = 0;
 };
 
+// GL objects at the end of each cycle. The device changes once a cycle and
+// its settings take turns, so a cycle is compared with an early one of the
+// same parity.
+struct GlCensus {
+  test_support::GlCounts early[2]{}, last{};
+  std::uint32_t lastCycle = 0;
+  int changes = 0;
+};
+
 Holdings Measure() {
   Holdings h;
   long pages = 0, resident = 0;
@@ -57,7 +70,7 @@ Holdings Measure() {
 }
 
 // What the user does at frame f of a cycle (cycle number c).
-void Plan(std::uint32_t frame, Holdings& early) {
+void Plan(std::uint32_t frame, Holdings& early, GlCensus& gl) {
   namespace script = win32::script;
   const std::uint32_t c = frame / kCycle, f = frame % kCycle, next = frame + 1;
   HWND window = g_App.m_hWnd;
@@ -90,16 +103,18 @@ void Plan(std::uint32_t frame, Holdings& early) {
     case 88:
       if (g_App.m_device) d3d9gl::AllowReset(g_App.m_device);
       break;
+    case 90: script::Command(next, kChangeDevice); break;
     case kCycle - 1: {
       // Full screen and small windows take turns, so resident memory swings
       // by whole back buffers: the first three cycles set the high mark.
       const Holdings now = Measure();
       if (c < 3) early = {std::max(early.residentKiB, now.residentKiB), std::max(early.openFiles, now.openFiles)};
-      d3d9gl::FrameStats stats;
-      if (g_App.m_device) d3d9gl::GetFrameStats(g_App.m_device, stats);
+      gl.last = test_support::LiveGlObjects();
+      gl.lastCycle = c;
+      if (c >= 1 && c < 3) gl.early[c % 2] = gl.last;
       if (std::getenv("KARVO_SOAK_TRACE"))
-        std::fprintf(stderr, "cycle %u: %ld KiB, %ld files, %u programs\n", c, now.residentKiB, now.openFiles,
-                     stats.shaderPrograms);
+        std::fprintf(stderr, "cycle %u: %ld KiB, %ld files, %d textures, %d buffers, %d programs\n", c,
+                     now.residentKiB, now.openFiles, gl.last[0], gl.last[1], gl.last[5]);
       break;
     }
   }
@@ -109,17 +124,26 @@ TEST(Soak, TenThousandFramesOfEverythingHoldNothingMore) {
   const char* asked = std::getenv("KARVO_SOAK_FRAMES");
   const std::uint32_t frames = asked ? std::uint32_t(std::atol(asked)) : 10000;
   Holdings early;
+  GlCensus gl;
   std::uint32_t lastFrame = 0;
   win32::script::Options options;
   options.maxFrames = frames;
   win32::script::Enable(options);
   win32::script::SetFrameCallback([&](std::uint32_t frame) {
     lastFrame = frame;
-    Plan(frame, early);
+    Plan(frame, early, gl);
+  });
+  // Another multisample type or present interval, then OK.
+  win32::script::SetDialogCallback([&](HWND dlg, std::uint32_t turn) {
+    if (turn == 0) return test_support::PickAnother(dlg, {IDC_MULTISAMPLE_TYPE_COMBO, IDC_PRESENTINTERVAL_COMBO}) != 0;
+    ++gl.changes;
+    win32::UserClick(GetDlgItem(dlg, IDOK));
+    return true;
   });
   const int exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT);
   const Holdings atEnd = Measure();
   win32::script::SetFrameCallback(nullptr);
+  win32::script::SetDialogCallback(nullptr);
   win32::script::Disable();
 
   EXPECT_EQ(exitCode, 0);
@@ -127,6 +151,11 @@ TEST(Soak, TenThousandFramesOfEverythingHoldNothingMore) {
   std::printf("after %u frames: %ld KiB resident, %ld files open; most in the first cycles: %ld KiB, %ld files\n",
               frames, atEnd.residentKiB, atEnd.openFiles, early.residentKiB, early.openFiles);
   EXPECT_LE(atEnd.openFiles, early.openFiles);
+  EXPECT_EQ(gl.changes, int(frames / kCycle)) << "a device change a cycle";
+  // Shader programs are a cache that grows with the states met; every other
+  // kind of object must come back to the same count.
+  const test_support::GlCounts& same = gl.early[gl.lastCycle % 2];
+  for (int kind : {0, 1, 2, 3, 4}) EXPECT_EQ(gl.last[kind], same[kind]) << "GL object kind " << kind;
   // The allocator keeps some slack and the driver its caches: a margin of
   // 8 MiB still catches a leak of a kilobyte a frame.
   EXPECT_LE(atEnd.residentKiB, early.residentKiB + 8 * 1024);
