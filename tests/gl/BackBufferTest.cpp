@@ -1,6 +1,7 @@
 // The back buffer as a whole: multisampling that smooths edges and still
 // reads back, and Reset (plain, after a lost device, to another sample count)
-// that keeps managed textures, vertex and index buffers usable.
+// that keeps managed textures, vertex and index buffers usable, and texels
+// that locks read back.
 
 #include "GLFixture.h"
 
@@ -101,6 +102,26 @@ TEST_F(BackBufferTest, ResetKeepsManagedTexturesAndBuffers) {
   }
   vb->Release();
   ib->Release();
+}
+
+// A level's texels live in GL alone between locks: a lock of part of it, and
+// a read after a reset, must still see every texel written before.
+TEST_F(BackBufferTest, LocksSeeTheTexelsWrittenBefore) {
+  const std::vector<D3DCOLOR> texels = {0xFFFF0000, 0x8000FF00, 0x400000FF, 0x00FFFFFF};
+  IDirect3DTexture9* texture = MakeTexture(2, 2, texels);
+  D3DLOCKED_RECT locked{};
+  const RECT corner = {1, 1, 2, 2};
+  ASSERT_EQ(texture->LockRect(0, &locked, &corner, 0), D3D_OK);
+  *static_cast<D3DCOLOR*>(locked.pBits) = 0xFF123456;
+  ASSERT_EQ(texture->UnlockRect(0), D3D_OK);
+  D3DPRESENT_PARAMETERS pp = Params(D3DMULTISAMPLE_NONE);
+  ASSERT_EQ(device_->Reset(&pp), D3D_OK);
+  ASSERT_EQ(texture->LockRect(0, &locked, nullptr, D3DLOCK_READONLY), D3D_OK);
+  const auto* row0 = static_cast<const D3DCOLOR*>(locked.pBits);
+  const auto* row1 = reinterpret_cast<const D3DCOLOR*>(static_cast<const char*>(locked.pBits) + locked.Pitch);
+  EXPECT_EQ((std::vector<D3DCOLOR>{row0[0], row0[1], row1[0], row1[1]}),
+            (std::vector<D3DCOLOR>{0xFFFF0000, 0x8000FF00, 0x400000FF, 0xFF123456}));
+  EXPECT_EQ(texture->UnlockRect(0), D3D_OK);
 }
 
 TEST_F(BackBufferTest, ResetWaitsForDefaultPoolResourcesToGo) {

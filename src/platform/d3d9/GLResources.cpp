@@ -46,7 +46,36 @@ GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT
     Log(LogLevel::Error, "GLTexture::GLTexture", "GL refused a %ux%u texture of %u levels", width, height, levels);
     glDeleteTextures(1, &name_);
     name_ = 0;
+    return;
   }
+  for (Level& l : levels_) DropCopy(l);
+}
+
+// GL keeps the texels through everything this layer lets happen to a device
+// (a reset keeps the context; a new device gets new textures), so an
+// uncompressed level needs no second copy in system memory between locks: on
+// software GL, where the texture store is process memory too, the copy would
+// double what every picture costs. Compressed levels keep theirs, as a driver
+// may hold them decompressed and could not give the same blocks back.
+void GLTexture::DropCopy(Level& l) {
+  if (!format_.compressed) std::vector<std::uint8_t>().swap(l.data);
+}
+
+// A lock of a level whose copy was dropped reads the texels back from GL,
+// unless nothing was ever written there: a new texture's first lock (a
+// picture being loaded) costs no read-back.
+bool GLTexture::RestoreCopy(UINT level) {
+  Level& l = levels_[level];
+  if (!l.data.empty()) return true;
+  l.data.assign(std::size_t(l.pitch) * l.rows, 0);
+  if (l.zero) return true;
+  if (!core_->MakeCurrent()) return false;
+  glActiveTexture(kUploadTextureUnit);
+  glBindTexture(GL_TEXTURE_2D, name_);
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glPixelStorei(GL_PACK_ROW_LENGTH, 0);
+  glGetTexImage(GL_TEXTURE_2D, GLint(level), format_.dataFormat, format_.dataType, l.data.data());
+  return true;
 }
 
 GLTexture::~GLTexture() {
@@ -87,6 +116,7 @@ HRESULT GLTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect
     UINT bytes = format_.compressed ? format_.bytesPerTexel : format_.bytesPerTexel;
     offset = std::size_t(rect->top / block) * l.pitch + std::size_t(rect->left / block) * bytes;
   }
+  if (!RestoreCopy(level)) return D3DERR_INVALIDCALL;
   l.locked = true;
   l.readOnly = (flags & D3DLOCK_READONLY) != 0;
   locked->Pitch = INT(l.pitch);
@@ -96,14 +126,18 @@ HRESULT GLTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect
 
 HRESULT GLTexture::UnlockRect(UINT level) {
   if (level >= levels_.size() || !levels_[level].locked) return D3DERR_INVALIDCALL;
-  levels_[level].locked = false;
-  if (!levels_[level].readOnly && name_ && core_->MakeCurrent()) {
+  Level& l = levels_[level];
+  l.locked = false;
+  if (name_ == 0 || !core_->MakeCurrent()) return D3D_OK;  // the copy is all there is
+  if (!l.readOnly) {
     // Merged draws waiting with this texture must see its old texels.
     if (core_->owner) core_->owner->FlushBatch();
     glActiveTexture(kUploadTextureUnit);
     glBindTexture(GL_TEXTURE_2D, name_);
     Upload(level);
+    l.zero = false;
   }
+  DropCopy(l);
   return D3D_OK;
 }
 

@@ -1,6 +1,8 @@
-// Internal to the GL back end: textures and buffers. Each keeps a system
-// memory copy of its contents (Lock hands that out; Unlock uploads the locked
-// part), so contents survive anything and reads never stall on the GPU.
+// Internal to the GL back end: textures and buffers. Buffers keep a system
+// memory copy of their contents (Lock hands that out; Unlock uploads the
+// locked part), so reads never stall on the GPU and index ranges can be
+// checked. A texture level has its copy only while it is locked (compressed
+// levels always): Lock reads it back from GL, Unlock uploads and drops it.
 // Uploads go through GL_TEXTURE15 and GL_COPY_WRITE_BUFFER, which the device
 // never uses for drawing, so they disturb no binding of the device.
 #pragma once
@@ -40,9 +42,12 @@ class GLTexture final : public IDirect3DTexture9 {
     std::vector<std::uint8_t> data;
     bool locked = false;
     bool readOnly = false;
+    bool zero = true;  // GL holds the zero texels of a new texture
   };
   ~GLTexture() override;
   void Upload(UINT level);
+  void DropCopy(Level& l);
+  bool RestoreCopy(UINT level);
 
   std::shared_ptr<GLCore> core_;
   GLuint name_ = 0;
