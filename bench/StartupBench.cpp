@@ -83,7 +83,7 @@ int main(int argc, char** argv) {
             .count();
     // Script frame 1 is about to run: frame 0 has been presented.
     if (frame == 1) firstFrameMs = ms;
-    if (ms >= seconds * 1000.0 && residentKiB == 0) {
+    if (frame >= 1 && ms >= seconds * 1000.0 && residentKiB == 0) {
       residentKiB = ResidentKiB();
       PostQuitMessage(0);
     }
