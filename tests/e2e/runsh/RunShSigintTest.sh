@@ -20,7 +20,9 @@ printf '#!/bin/sh\nexit 0\n' > "$work/bin/cmake" && chmod +x "$work/bin/cmake"
 # default, as a terminal's foreground job has (a plain background job would
 # start with SIGINT ignored).
 set -m
-env -u DISPLAY -u WAYLAND_DISPLAY PATH="$work/bin:$PATH" SDL_AUDIODRIVER=dummy bash "$work/run.sh" > "$work/log" 2>&1 &
+# The suite's own BUILD_DIR and CMAKE_ARGS (CI's sanitizer stage sets them)
+# would send run.sh to another build folder than the one laid out above.
+env -u DISPLAY -u WAYLAND_DISPLAY -u BUILD_DIR -u CMAKE_ARGS PATH="$work/bin:$PATH" SDL_AUDIODRIVER=dummy bash "$work/run.sh" > "$work/log" 2>&1 &
 group=$!
 for _ in $(seq 600); do
   pgrep -g "$group" -x karvo-terrain > /dev/null && break
