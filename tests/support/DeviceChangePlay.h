@@ -18,9 +18,9 @@ using GlCounts = std::array<int, 7>;
 inline GlCounts LiveGlObjects() {
   GlCounts live{};
   for (GLuint name = 1; name < 65536; ++name) {
-    const GLboolean alive[7] = {
-        glIsTexture(name),     glIsBuffer(name),  glIsFramebuffer(name), glIsRenderbuffer(name),
-        glIsVertexArray(name), glIsProgram(name), glIsShader(name)};
+    const GLboolean alive[7] = {glIsTexture(name),      glIsBuffer(name),      glIsFramebuffer(name),
+                                glIsRenderbuffer(name), glIsVertexArray(name), glIsProgram(name),
+                                glIsShader(name)};
     for (int kind = 0; kind < 7; ++kind) live[kind] += alive[kind];
   }
   return live;
