@@ -10,6 +10,7 @@
 
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
+#include "platform/win32/Win32DisplayScale.h"
 
 namespace d3d9gl {
 
@@ -142,7 +143,8 @@ ClientArea ClientAreaOf(HWND hWnd, SDL_Window* window) {
   if (s_lookup == nullptr) {
     // The menu bar takes the top rows; GL counts rows from the bottom, so the
     // client area starts at row 0 and is that much lower.
-    int bar = win32::MenuBarHeight(hWnd);
+    // The bar is measured in window units; a scaling compositor gives more pixels.
+    const int bar = static_cast<int>(win32::MenuBarHeight(hWnd) * win32::CurrentDisplayScale().pixels);
     if (bar > 0 && bar < dh) a.height = dh - bar;
   }
   return a;

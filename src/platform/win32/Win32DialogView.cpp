@@ -15,6 +15,7 @@
 #include <string>
 
 #include "platform/win32/Win32DialogState.h"
+#include "platform/win32/Win32DisplayScale.h"
 #include "platform/win32/Win32Overlay.h"
 
 using namespace win32::detail;
@@ -155,9 +156,10 @@ void DrawControl(const DialogControlInfo& control, int index, ImVec2 origin, ImV
       const float width = ImGui::CalcTextSize(plain.c_str()).x;
       list->AddRect(ImVec2(min.x, min.y + half), ImVec2(min.x + size.x, min.y + size.y),
                     ImGui::GetColorU32(ImGuiCol_Border));
-      list->AddRectFilled(ImVec2(min.x + 6, min.y), ImVec2(min.x + 10 + width, min.y + 2 * half),
+      const float ui = win32::CurrentDisplayScale().ui;  // the caption's gap grows with the font
+      list->AddRectFilled(ImVec2(min.x + 6 * ui, min.y), ImVec2(min.x + (10 * ui) + width, min.y + 2 * half),
                           ImGui::GetColorU32(ImGuiCol_WindowBg));
-      DrawAccessText(list, ImVec2(min.x + 8, min.y), control.text, text);
+      DrawAccessText(list, ImVec2(min.x + 8 * ui, min.y), control.text, text);
       break;
     }
     case DialogItemKind::Label:
@@ -210,10 +212,14 @@ void DrawFrame(const win32::DialogInfo& info) {
   const win32::DialogResource& resource = *info.resource;
   const ImGuiIO& io = ImGui::GetIO();
   const float title = ImGui::GetFrameHeight();
-  const ImVec2 natural(resource.cx * kUnitX, resource.cy * kUnitY + title);
+  // Dialog units grow with the UI's font on a dense display.
+  const float ui = win32::CurrentDisplayScale().ui;
+  const ImVec2 unit(kUnitX * ui, kUnitY * ui);
+  const ImVec2 natural(resource.cx * unit.x, resource.cy * unit.y + title);
   const float fit = std::min({1.0f, (io.DisplaySize.x - 2 * kMargin) / natural.x,
                               (io.DisplaySize.y - 2 * kMargin) / natural.y});
-  const ImVec2 scale(kUnitX * std::max(fit, 0.1f), kUnitY * std::max(fit, 0.1f));
+  const float shrink = std::max(fit, 0.1f);
+  const ImVec2 scale(unit.x * shrink, unit.y * shrink);
   const ImVec2 size(resource.cx * scale.x, resource.cy * scale.y + title);
   ImGui::SetNextWindowPos(ImVec2((io.DisplaySize.x - size.x) / 2, (io.DisplaySize.y - size.y) / 2));
   ImGui::SetNextWindowSize(size);
@@ -223,6 +229,8 @@ void DrawFrame(const win32::DialogInfo& info) {
                                  ImGuiWindowFlags_NoScrollbar;
   ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(0, 0));
   if (ImGui::Begin(resource.caption, nullptr, flags)) {
+    // The text shrinks with the layout, or the labels would run into the lists.
+    ImGui::SetWindowFontScale(shrink);
     const ImVec2 origin(ImGui::GetWindowPos().x, ImGui::GetWindowPos().y + title);
     for (std::size_t i = 0; i < info.controls.size(); ++i)
       DrawControl(info.controls[i], static_cast<int>(i), origin, scale);

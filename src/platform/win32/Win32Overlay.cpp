@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "platform/win32/Win32Backend.h"
+#include "platform/win32/Win32DisplayScale.h"
 #include "platform/win32/Win32OverlayRenderer.h"
 #include "platform/win32/Win32OverlayState.h"
 
@@ -168,12 +169,18 @@ void EnsureContext() {
   style.PopupBorderSize = 1.0f;
   style.WindowRounding = 0.0f;
   style.PopupRounding = 0.0f;
-  io.Fonts->AddFontDefault();
+  // The font is rasterised at the drawable's density and drawn back at the
+  // window's units, so its glyphs land on whole pixels and stay sharp.
+  const win32::DisplayScale& scale = win32::CurrentDisplayScale();
+  style.ScaleAllSizes(scale.ui);
+  ImFontConfig font;
+  font.SizePixels = win32::UiFontPixels(scale) * scale.pixels;
+  io.Fonts->AddFontDefault(&font);
   io.Fonts->Build();
+  io.FontGlobalScale = 1.0f / scale.pixels;
   // The bar is one frame of the default font high; the layer's client areas
   // follow that height.
-  const ImFont* font = io.Fonts->Fonts[0];
-  win32::SetMenuBarHeight(static_cast<int>(font->FontSize + 2.0f * style.FramePadding.y));
+  win32::SetMenuBarHeight(win32::MenuBarHeightFor(scale));
   win32::SetEventHook(&Hook, nullptr);
 }
 

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/win32/Win32DisplayScale.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {
@@ -35,14 +36,25 @@ bool SdlVideoAvailable() {
 
 SDL_Window* SdlCreate(const Window& window) {
   if (!SdlVideoAvailable()) return nullptr;
-  Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN;
+  // A compositor that scales windows gives the drawable its full pixel count.
+  Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | SDL_WINDOW_ALLOW_HIGHDPI;
   if (window.style & WS_THICKFRAME) flags |= SDL_WINDOW_RESIZABLE;
   if (!Bordered(window.style)) flags |= SDL_WINDOW_BORDERLESS;
   const RECT& rect = window.rect;
   SDL_Window* sdl = SDL_CreateWindow(window.title.c_str(), rect.left, rect.top,
                                      AtLeastOne(rect.right - rect.left),
                                      AtLeastOne(rect.bottom - rect.top), flags);
-  if (!sdl) std::fprintf(stderr, "win32: CreateWindowExA: %s\n", SDL_GetError());
+  if (!sdl) {
+    std::fprintf(stderr, "win32: CreateWindowExA: %s\n", SDL_GetError());
+    return nullptr;
+  }
+  // One scale for the run, from the first window: the UI's font is built once.
+  static bool s_scaleTaken = false;
+  if (!s_scaleTaken) {
+    s_scaleTaken = true;
+    SetDisplayScale(QueryDisplayScale(sdl));
+    SetMenuBarHeight(MenuBarHeightFor(CurrentDisplayScale()));
+  }
   return sdl;
 }
 
