@@ -4,11 +4,12 @@
 // the drops' states, the wing beat and the flock's turns.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
 #include <new>
-#include <utility>
+#include <tuple>
 
 #include "app/GameApp.h"
 #include "platform/crt/crt.h"
@@ -47,13 +48,10 @@ class WorldDraw : public ::testing::Test {
     camera = player.GetCamera();
   }
   // The corners' positions of a draw, one after another.
-  std::vector<float> At(std::size_t draw) const {
-    std::vector<float> out;
+  void Near(std::size_t draw, const std::vector<float>& want) const {
+    std::vector<float> got;
     for (const CVertex& v : device.UpVertices<CVertex>(draw))
-      out.insert(out.end(), {v.m_x, v.m_y, v.m_z});
-    return out;
-  }
-  static void Near(const std::vector<float>& got, const std::vector<float>& want) {
+      got.insert(got.end(), {v.m_x, v.m_y, v.m_z});
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], want[i], 1e-3) << i;
   }
@@ -88,27 +86,24 @@ TEST_F(WorldDraw, TreesAndWeedsTurnTowardsThePlayerAndEachKindHasItsPicture) {
       t.DrawWeed(1000, 100, 2000, 2, 100, camera);
     });
     for (std::size_t draw : {0u, 1u})
-      Near(At(draw), {w[2], 100, w[3], w[4], 100, w[5], w[4], 220, w[5], w[2], 220, w[3]});
+      Near(draw, {w[2], 100, w[3], w[4], 100, w[5], w[4], 220, w[5], w[2], 220, w[3]});
   }
   const CVertex v = device.UpVertices<CVertex>(1)[1];
-  EXPECT_EQ(std::vector<float>({float(v.m_diffuse >> 24), v.m_tu, v.m_tv}),
-            std::vector<float>({255, 1, 1}));
+  EXPECT_TRUE(v.m_diffuse >> 24 == 255 && v.m_tu == 1 && v.m_tv == 1);
   // Another kind binds nothing and still draws, a tree of it on a quad of
   // nothing; the big tree (kind 2) shows the broadleaf picture twice as big.
-  const struct {
-    int kind;  // negative: a weed
-    const void* texture;
-    float top;
-  } kinds[] = {{1, t.m_treeTexture, 220}, {3, t.m_tree3Texture, 220},
-               {2, t.m_treeTexture, 340}, {-1, t.m_weed4Texture, 220},
-               {0, nullptr, 0},           {-3, nullptr, 220}};
-  for (const auto& k : kinds) {
+  // Kind (negative: a weed), the picture bound and the top's height.
+  const std::tuple<int, const void*, float> kinds[] = {
+      {1, t.m_treeTexture, 220}, {3, t.m_tree3Texture, 220},
+      {2, t.m_treeTexture, 340}, {-1, t.m_weed4Texture, 220},
+      {0, nullptr, 0},           {-3, nullptr, 220}};
+  for (const auto& [kind, texture, top] : kinds) {
     const Calls calls = Recorded([&] {
-      k.kind < 0 ? t.DrawWeed(1000, 100, 2000, -k.kind, 100, camera)
-                 : t.DrawTree(1000, 100, 2000, k.kind, 100, camera);
+      kind < 0 ? t.DrawWeed(1000, 100, 2000, -kind, 100, camera)
+               : t.DrawTree(1000, 100, 2000, kind, 100, camera);
     });
-    EXPECT_EQ(calls, (k.texture ? Bind(k.texture) : Calls{}) + kBlend + kQuad) << k.kind;
-    EXPECT_EQ(device.UpVertices<CVertex>(0)[2].m_y, k.top) << k.kind;
+    EXPECT_EQ(calls, (texture ? Bind(texture) : Calls{}) + kBlend + kQuad) << kind;
+    EXPECT_EQ(device.UpVertices<CVertex>(0)[2].m_y, top) << kind;
   }
 }
 
@@ -116,21 +111,19 @@ TEST_F(WorldDraw, AFlowerIsTwoStemsAndAHeadAndATowerFourWalls) {
   EXPECT_EQ(Recorded([&] { t.DrawFlower(100, 50, 200, 2, 5); }),  // a = 0.5, b = 2.5
             kBlend + Bind(t.m_baseTexture) + kQuad + Bind(t.m_baseTexture) + kQuad +
                 Bind(t.m_flower2Texture) + kQuad);
-  Near(At(0), {99.5, 50, 199.5, 99.5, 30, 199.5, 100.5, 30, 199.5, 100.5, 50, 199.5});
-  Near(At(1), {99.5, 50, 199.5, 99.5, 30, 199.5, 99.5, 30, 200.5, 99.5, 50, 200.5});
-  Near(At(2), {97.5, 50, 197.5, 102.5, 50, 197.5, 102.5, 50, 202.5, 97.5, 50, 202.5});
+  Near(0, {99.5, 50, 199.5, 99.5, 30, 199.5, 100.5, 30, 199.5, 100.5, 50, 199.5});
+  Near(1, {99.5, 50, 199.5, 99.5, 30, 199.5, 99.5, 30, 200.5, 99.5, 50, 200.5});
+  Near(2, {97.5, 50, 197.5, 102.5, 50, 197.5, 102.5, 50, 202.5, 97.5, 50, 202.5});
   const Calls four = kQuad + kQuad + kQuad + kQuad, fvf{{"SetFVF", {0x142}}};
   EXPECT_EQ(Recorded([&] { t.DrawSkyscrapers(); }),
             Bind(t.m_wallTexture) + fvf + four + Bind(t.m_wallTexture2) + fvf + four);
-  Near(At(7), {6000, 500, 3000, 8000, 500, 3000, 8000, 28000, 3000, 6000, 28000,
-               3000});                                  // tower 2, z = 3000
-  const CVertex c3 = device.UpVertices<CVertex>(0)[2];  // its picture on its side, a little clearer
-  EXPECT_EQ(std::vector<float>({float(c3.m_diffuse >> 24), c3.m_tu, c3.m_tv}),
-            std::vector<float>({0xAF, 1, 1}));
+  // Tower 2's wall at z = 3000; the picture on its side, a little clearer.
+  Near(7, {6000, 500, 3000, 8000, 500, 3000, 8000, 28000, 3000, 6000, 28000, 3000});
+  const CVertex c3 = device.UpVertices<CVertex>(0)[2];
+  EXPECT_TRUE(c3.m_diffuse >> 24 == 0xAF && c3.m_tu == 1 && c3.m_tv == 1);
 }
 
 TEST_F(WorldDraw, OneSortPassAFrameCarriesTheNearestToTheEnd) {
-  EXPECT_EQ(CTerrain::PointDistance(1, 2, 3, 4, 6, 15), 13.0f);
   player.SetPosition(D3DXVECTOR3(0, 0, 0));
   // Distances 1, 5, 3, 3 (along z), 9; kind and size tell the records apart.
   const CPlantRecord start[] = {
@@ -148,13 +141,6 @@ TEST_F(WorldDraw, OneSortPassAFrameCarriesTheNearestToTheEnd) {
     EXPECT_EQ(pass(start, 5), std::vector<float>({22, 33, 44, 55, 11}));
     EXPECT_EQ(pass(start + 2, 2), std::vector<float>({33, 44}));  // equal distances stay
   }
-  crt::srand(3);  // from any order a still player sees far to near within count - 1 frames
-  for (CPlantRecord& p : t.m_trees) p = {float(crt::rand()), 0, float(crt::rand()), 1, 1};
-  t.m_treeCount = 1000;
-  for (int frame = 0; frame < 999; ++frame) t.SortTrees(camera);
-  for (int i = 0; i + 1 < 1000; ++i)
-    ASSERT_GE(std::hypot(t.m_trees[i].m_x, t.m_trees[i].m_z),
-              std::hypot(t.m_trees[i + 1].m_x, t.m_trees[i + 1].m_z));
 }
 
 TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) {
@@ -167,24 +153,17 @@ TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) 
                     Tss(0, D3DTSS_ALPHAARG2, 0)};
   const Calls closing{RS(D3DRS_ZWRITEENABLE, 1), RS(D3DRS_ALPHABLENDENABLE, 0),
                       RS(D3DRS_CULLMODE, D3DCULL_CCW)};
-  auto plants = [&](CPlantRecord* p, bool tree) {  // as the scene's sorts left them
+  using Draw = void (CTerrain::*)(float, float, float, std::int32_t, float, CCamera*);
+  auto plants = [&](CPlantRecord* p, Draw draw) {  // as the scene's sorts left them
     return Recorded([&] {
-      for (int i = 0; i < 3; ++i) {
-        if (tree)
-          t.DrawTree(p[i].m_x, p[i].m_y, p[i].m_z, 1, 400, camera);
-        else
-          t.DrawWeed(p[i].m_x, p[i].m_y, p[i].m_z, 1, 400, camera);
-      }
+      for (int i = 0; i < 3; ++i) (t.*draw)(p[i].m_x, p[i].m_y, p[i].m_z, 1, 400, camera);
     });
   };
   t.m_mapWidth = t.m_mapHeight = 257;  // the sea at 864 over the whole map
   t.m_scale = D3DXVECTOR3(64, 16, 64);
   // The player's altitude and the third person camera's height (0: first person).
-  for (const auto& [altitude, cameraY] : {std::pair{854.99f, 0.0f},
-                                          {855.0f, 0.0f},
-                                          {2000.0f, 0.0f},
-                                          {800.0f, 874.0f},
-                                          {800.0f, 873.9f}})
+  const float views[][2] = {{854.99f, 0}, {855, 0}, {2000, 0}, {800, 874}, {800, 873.9f}};
+  for (const auto& [altitude, cameraY] : views)
     for (const bool single : {true, false}) {
       if (cameraY != 0.0f) player.SetCameraMode(CAM_MODE_3RD_PERSON);
       camera = player.GetCamera();
@@ -197,15 +176,14 @@ TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) 
       // The drops and the first 100 figures as the updates left them.
       const Calls sky = Recorded([&] {
         for (const CRainDrop& d : t.m_rain) t.DrawRainDrop(d.m_x, d.m_y, d.m_z, camera);
-        for (int i = 0; i < 100; ++i) {
-          const CFlyingFigure& f = t.m_figures[i];
+        std::for_each_n(t.m_figures, 100, [&](const CFlyingFigure& f) {
           t.DrawFigure(f.m_x, f.m_y, f.m_z, f.m_size, t.m_wingAngle, f.m_heading);
-        }
+        });
       });
       const Calls upper = Recorded([&] { t.DrawSkyscrapers(); }) + alpha + sky + alpha +
                           Recorded([&] { t.DrawFlower(10, 5, 10, 1, 5); }) + alpha +
-                          plants(t.m_trees, true);
-      const Calls lower = alpha + plants(t.m_weeds, false);
+                          plants(t.m_trees, &CTerrain::DrawTree);
+      const Calls lower = alpha + plants(t.m_weeds, &CTerrain::DrawWeed);
       // The tint follows the camera, strictly below 874.
       const Calls water = Recorded([&] {
         t.DrawWater(camera, 864.0f);
@@ -262,7 +240,7 @@ TEST_F(WorldDraw, DropFallsRestsOrIsRebornAroundThePlayer) {
               quad[0].m_tv == 1.0f);
 }
 
-TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFrames) {
+TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegreesAFrame) {
   t.m_wingDirection = 1;
   float angles[100];
   for (float& angle : angles) t.UpdateWings(), angle = t.m_wingAngle;
@@ -270,10 +248,7 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFrames) {
   EXPECT_NEAR(angles[10], 3.3f, 1e-5);  // ... so an eleventh is taken
   EXPECT_NEAR(angles[32], -3.3f, 1e-5);
   for (int i = 0; i < 56; ++i) EXPECT_NEAR(angles[i + 44], angles[i], 1e-5) << i;
-}
 
-TEST_F(WorldDraw, FiguresTurnBackAtTheEdgesAndTurnThreeDegreesAFrame) {
-  // Heading 0 flies towards -z and leaves x alone.
   // x, z, heading, target before and after; heading 0 flies towards -z.
   const float cases[][8] = {
       {68000.0f, 0, 0, 0, 68000.0f, -100, 0, 0},      {68000.1f, 0, 0, 0, 68000.1f, -100, 3, 90},
@@ -292,9 +267,8 @@ TEST_F(WorldDraw, FiguresTurnBackAtTheEdgesAndTurnThreeDegreesAFrame) {
         << c[0] << " " << c[2];
     EXPECT_TRUE(f.m_heading == c[6] && f.m_targetHeading == c[7]) << c[0] << " " << c[2];
   }
-}
 
-TEST_F(WorldDraw, SortMovesAFigureOnePlaceAFrameAndWingsTurnWithTheHeading) {
+  // The sort moves a figure one place a frame; the wings turn with the heading.
   for (int i = 0; i < 3; ++i) t.m_figures[i].m_y = float(i + 1);
   t.SortFigures();
   EXPECT_TRUE(t.m_figures[0].m_y == 2 && t.m_figures[1].m_y == 3 && t.m_figures[2].m_y == 1);
