@@ -12,7 +12,11 @@ measured. A missed fault points at a rule that no test pins down.
   scripts/plant-faults.py --ctest-args "-LE display"   quick: without the tests
                                   labelled display (GL, windows, end to end)
   scripts/plant-faults.py --only scene-switch-altitude,rain-landing
+  scripts/plant-faults.py --revision 251ed91           an earlier commit
   scripts/plant-faults.py --check                      the table fits the code
+
+The whole suite runs as the quick tests first, then the display tests one at
+a time, cheapest first by the clean run's times, stopping at the first failure.
 
 Results go to <build-dir>/faults.json, each fault's output to
 <build-dir>/logs/<id>.log.
@@ -161,9 +165,9 @@ def run_logged(command, log_path, env=None):
         return subprocess.run(command, env=env, stdout=log, stderr=subprocess.STDOUT).returncode == 0
 
 
-def prepare_tree(build_dir):
-    """The worktree at <build-dir>/tree, made once and moved to the checkout's HEAD on every run."""
-    tree, head = build_dir / "tree", git("rev-parse", "HEAD")
+def prepare_tree(build_dir, revision):
+    """The worktree at <build-dir>/tree, made once and moved to the revision (the checkout's HEAD) on every run."""
+    tree, head = build_dir / "tree", git("rev-parse", revision)
     if (tree / ".git").exists():
         git("reset", "--hard", "--quiet", cwd=tree)  # whatever an interrupted run left behind
         git("checkout", "--detach", "--quiet", head, cwd=tree)
@@ -187,17 +191,40 @@ def build(tree, log):
     return run_logged(["cmake", "--build", str(tree / "build"), "-j", str(os.cpu_count() or 2)], log)
 
 
-def tests_pass(tree, ctest_args, log):
-    # The whole suite runs as two halves, the quick tests first: most faults fail one of them in seconds,
-    # and only a fault they miss pays for the display tests. The first failure is answer enough.
-    halves = [ctest_args] if ctest_args else [["-LE", "display"], ["-L", "display"]]
-    for selection in halves:
-        # One X server for each half, as ./test.sh uses one for the suite.
-        command = ["xvfb-run", "-a", "-s", "-screen 0 1600x1000x24", "ctest", "--test-dir", str(tree / "build"),
-                   "--output-on-failure", "--stop-on-failure", *selection]
-        if not run_logged(command, log, env={**os.environ, **TEST_ENV}):
-            return False
-    return True
+def ctest(tree, selection, log):
+    # One X server for each ctest run, as ./test.sh uses one for the suite; the first failure is answer enough.
+    command = ["xvfb-run", "-a", "-s", "-screen 0 1600x1000x24", "ctest", "--test-dir", str(tree / "build"),
+               "--output-on-failure", "--stop-on-failure", *selection]
+    return run_logged(command, log, env={**os.environ, **TEST_ENV})
+
+
+def display_tests_cheapest_first(tree):
+    """The display tests, cheapest first by the times ctest kept from the clean run."""
+    listing = subprocess.run(["ctest", "--test-dir", str(tree / "build"), "-N", "-L", "display"],
+                             capture_output=True, text=True).stdout
+    names = [line.split(":", 1)[1].strip() for line in listing.splitlines() if line.strip().startswith("Test")
+             and ":" in line]
+    costs = {}
+    cost_file = tree / "build" / "Testing" / "Temporary" / "CTestCostData.txt"
+    if cost_file.is_file():
+        for line in cost_file.read_text().splitlines():
+            parts = line.split()
+            if len(parts) == 3:
+                costs[parts[0]] = float(parts[2])
+    return sorted(names, key=lambda name: costs.get(name, float("inf")))
+
+
+def tests_pass(tree, ctest_args, log, display_order=None):
+    """With explicit ctest arguments, that one run. Otherwise the whole suite, quick tests first: most
+    faults fail one of them in seconds; then the display tests one at a time, cheapest first, so a fault
+    that only a GL test sees does not wait for the long end-to-end runs."""
+    if ctest_args:
+        return ctest(tree, ctest_args, log)
+    if not ctest(tree, ["-LE", "display"], log):
+        return False
+    if display_order is None:
+        return ctest(tree, ["-L", "display"], log)
+    return all(ctest(tree, ["-R", f"^{name}$"], log) for name in display_order)
 
 
 @contextmanager
@@ -212,13 +239,13 @@ def planted(tree, fault):
         path.write_bytes(original)
 
 
-def try_fault(tree, fault, ctest_args, log):
+def try_fault(tree, fault, ctest_args, log, display_order):
     start = time.monotonic()
     with planted(tree, fault):
         if not build(tree, log):
             result = "build-failed"
         else:
-            result = "missed" if tests_pass(tree, ctest_args, log) else "caught"
+            result = "missed" if tests_pass(tree, ctest_args, log, display_order) else "caught"
     return {"id": fault.id, "folder": str(Path(fault.path).parent), "file": fault.path, "kind": fault.kind,
             "result": result, "seconds": round(time.monotonic() - start, 1)}
 
@@ -242,12 +269,12 @@ def report(results, head, ctest_args, build_dir):
     (build_dir / "faults.json").write_text(json.dumps(document, indent=2) + "\n", encoding="utf-8")
 
 
-def run_faults(faults, build_dir, ctest_args):
+def run_faults(faults, build_dir, ctest_args, revision):
     if not shutil.which("xvfb-run"):
         sys.exit("xvfb-run is missing; ./test.sh installs it (scripts/packages.txt)")
-    if git("status", "--porcelain", "--untracked-files=no"):
+    if revision == "HEAD" and git("status", "--porcelain", "--untracked-files=no"):
         print("note: uncommitted changes are not measured; the copy is HEAD")
-    tree, head = prepare_tree(build_dir)
+    tree, head = prepare_tree(build_dir, revision)
     problems = table_problems(tree, faults)
     if problems:
         sys.exit("the table does not fit HEAD:\n  " + "\n  ".join(problems))
@@ -259,11 +286,12 @@ def run_faults(faults, build_dir, ctest_args):
     print(f"clean build and test run of {head[:12]} (log: {clean_log})", flush=True)
     if not (configure(tree, clean_log) and build(tree, clean_log) and tests_pass(tree, ctest_args, clean_log)):
         sys.exit(f"the tests do not pass without a fault; see {clean_log}")
+    display_order = None if ctest_args else display_tests_cheapest_first(tree)
     results = []
     try:
         for number, fault in enumerate(faults, 1):
             print(f"[{number}/{len(faults)}] {fault.id} ... ", end="", flush=True)
-            results.append(try_fault(tree, fault, ctest_args, logs / f"{fault.id}.log"))
+            results.append(try_fault(tree, fault, ctest_args, logs / f"{fault.id}.log", display_order))
             print(f"{results[-1]['result']} ({results[-1]['seconds']:.0f} s)", flush=True)
     finally:
         report(results, head, ctest_args, build_dir)  # after an interruption: the faults tried so far
@@ -290,6 +318,7 @@ def main():
     parser.add_argument("--list", action="store_true", help="list the faults")
     parser.add_argument("--build-dir", default="/tmp/karvo-faults", help="copy, build and results (%(default)s)")
     parser.add_argument("--only", help="comma-separated fault ids")
+    parser.add_argument("--revision", default="HEAD", help="the commit to measure (%(default)s)")
     parser.add_argument("--ctest-args", default="", help='extra ctest arguments, e.g. "-LE display"')
     arguments = parser.parse_args()
     if arguments.check:
@@ -303,7 +332,7 @@ def main():
     signal.signal(signal.SIGTERM, stop_like_ctrl_c)
     try:
         return run_faults(select_faults(arguments.only), Path(arguments.build_dir).resolve(),
-                          shlex.split(arguments.ctest_args))
+                          shlex.split(arguments.ctest_args), arguments.revision)
     except subprocess.CalledProcessError as error:
         sys.exit(f"{shlex.join(error.cmd)} failed:\n{error.stderr}")
     except KeyboardInterrupt:
