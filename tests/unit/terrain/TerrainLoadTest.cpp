@@ -1,9 +1,11 @@
 // CTerrain lifecycle on the generated assets (the test runs in the asset
-// folder): the whole load with its 17 textures, the scale by map size, the
-// ways a load fails, and release.
+// folder for the textures): the whole load with its 17 textures, the scale,
+// block count and where one sample ends up for three map sizes, the ways a
+// load fails, and release.
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,42 +42,46 @@ class Load : public ::testing::Test {
 TEST_F(Load, TheWorldsMapLoadsReleasesAndLoadsAgain) {
   terrain->SetDevice(&device, true);
   ASSERT_TRUE(terrain->LoadHeightMap("Data\\HeightMap.raw", 257, 257));
-  EXPECT_EQ(terrain->m_scale, D3DXVECTOR3(64.0f, 16.0f, 64.0f));
-  EXPECT_EQ(terrain->m_blockCount, 49u);
   EXPECT_EQ(device.Count("CreateTexture"), 17u);
-  EXPECT_NE(terrain->m_rainTexture, nullptr);
   EXPECT_NE(terrain->m_flower3Texture, nullptr);
   EXPECT_FALSE(terrain->LoadHeightMap("Data\\HeightMap.raw", 257, 257));  // already loaded
 
   terrain->ReleaseTerrain();
   EXPECT_EQ(device.LiveResources(), 0);
   EXPECT_EQ(device.RefCount(), 1u);
-  EXPECT_EQ(terrain->m_heightMap, nullptr);
   terrain->ReleaseTerrain();  // twice is harmless
 
   terrain->SetDevice(&device, true);
   EXPECT_TRUE(terrain->LoadHeightMap("Data\\HeightMap.raw", 257, 257));
 }
 
-TEST_F(Load, ScaleFollowsTheMapSize) {
-  const std::string path = WriteMap("karvo_map129.raw", 129, 129);
-  terrain->SetDevice(&device, true);
-  ASSERT_TRUE(terrain->LoadHeightMap(path.c_str(), 129, 129));
-  EXPECT_EQ(terrain->m_scale, D3DXVECTOR3(128.0f, 16.0f, 128.0f));
-  EXPECT_EQ(terrain->m_blockCount, 9u);
-  // Sample 255 at column 3, row 2 stands at (3 * 128, 4080, 2 * 128).
-  std::vector<CTerrainVertex> v(1369);
-  std::memcpy(static_cast<void*>(v.data()), AsFake(terrain->m_blockMeshes[0]->m_vertexBuffer)->Bytes().data(),
-              1369 * sizeof(CTerrainVertex));
-  EXPECT_EQ(v[2 * 37 + 3].m_x, 384.0f);
-  EXPECT_EQ(v[2 * 37 + 3].m_y, 4080.0f);
-  EXPECT_EQ(v[2 * 37 + 3].m_z, 256.0f);
-
-  auto odd = std::make_unique<CTerrain>();
-  const std::string oddPath = WriteMap("karvo_map100.raw", 100, 100);
-  odd->SetDevice(&device, true);
-  ASSERT_TRUE(odd->LoadHeightMap(oddPath.c_str(), 100, 100));
-  EXPECT_EQ(odd->m_scale.x, 160.0f);  // 512 / 99 = 5, truncated before the * 32
+TEST(MapSize, ScaleBlockCountAndWhereASampleStands) {
+  // 512 / (size - 1) is cut to a whole number before it is scaled by 32;
+  // blocks are (size - 1) / 36 per side, also cut.
+  const struct {
+    std::uint32_t size;
+    float cell;  // world units between samples
+    std::uint32_t blocks;
+  } sizes[] = {{257, 64.0f, 49}, {129, 128.0f, 9}, {100, 160.0f, 4}};
+  for (const auto& map : sizes) {
+    SCOPED_TRACE(map.size);
+    const std::string path = WriteMap(("karvo_size_" + std::to_string(map.size) + ".raw").c_str(), map.size, map.size);
+    RecordingDevice device;
+    auto terrain = std::make_unique<CTerrain>();
+    terrain->SetDevice(&device, true);
+    ASSERT_TRUE(terrain->LoadHeightMap(path.c_str(), map.size, map.size));
+    EXPECT_EQ(terrain->m_scale, D3DXVECTOR3(map.cell, 16.0f, map.cell));
+    EXPECT_EQ(terrain->m_blockCount, map.blocks);
+    // Sample 255 at column 3, row 2 of the first block (37 vertices a row).
+    CTerrainVertex v;
+    std::memcpy(static_cast<void*>(&v),
+                AsFake(terrain->m_blockMeshes[0]->m_vertexBuffer)->Bytes().data() + (2 * 37 + 3) * sizeof(v), sizeof(v));
+    EXPECT_EQ(v.m_x, 3 * map.cell);
+    EXPECT_EQ(v.m_y, 4080.0f);
+    EXPECT_EQ(v.m_z, 2 * map.cell);
+    EXPECT_EQ(terrain->GetHeight(3 * map.cell, 2 * map.cell, false), 4080.0f);
+    EXPECT_EQ(terrain->GetHeight(3 * map.cell, 2 * map.cell, true), 4080.0f);
+  }
 }
 
 TEST_F(Load, FailuresAreCleanFalse) {
@@ -84,8 +90,6 @@ TEST_F(Load, FailuresAreCleanFalse) {
 
   terrain->SetDevice(&device, true);
   EXPECT_FALSE(terrain->LoadHeightMap("Data\\NoSuchMap.raw", 257, 257));
-  EXPECT_NE(terrain->m_heightMap, nullptr);  // kept until release
-  EXPECT_EQ(terrain->m_scale.x, 64.0f);
   EXPECT_EQ(device.LiveResources(), 0);  // no texture loaded
 
   terrain->ReleaseTerrain();
