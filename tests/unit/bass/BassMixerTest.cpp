@@ -1,13 +1,12 @@
 // The BASS layer on the real SDL2_mixer: return codes at every boundary, handle
-// life, the play-without-restart rule, loops, the playback limit, and what
-// reaches the output (SDL's disk driver writes the mix to a file).
+// life, the play-without-restart rule, the playback limit, and what reaches the
+// output (SDL's disk driver writes the mix to a file).
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -21,7 +20,6 @@ const char* kTone = "fixtures\\tone440.mp3";  // 0.4 s, 22050 Hz mono, as the pr
 const char* kToneStereo = "fixtures/tone1000.mp3";  // 0.4 s, 44100 Hz stereo
 
 void Sleep(double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }
-void WriteFile(const char* path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // Seconds until the channel stops, polled; -1 when it still plays after `limit`.
 double SecondsUntilStopped(HCHANNEL channel, double limit) {
@@ -50,82 +48,40 @@ TEST(BassLibrary, EveryCallFailsUntilInitAndAfterFree) {
   setenv("SDL_AUDIODRIVER", "dummy", 1);
   for (int round = 0; round < 2; ++round) {  // before the first start, then after a free
     EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), 0u);
-    EXPECT_EQ(BASS_SampleGetChannel(0x10000001u, FALSE), 0u);
     EXPECT_FALSE(BASS_ChannelPlay(0x20010000u, FALSE));
-    EXPECT_FALSE(BASS_ChannelStop(0x20010000u));
-    EXPECT_FALSE(BASS_SampleFree(0x10000001u));
     EXPECT_FALSE(BASS_Free());
     ASSERT_TRUE(BASS_Init(-1, 22050, BASS_DEVICE_3D, nullptr, nullptr));
     EXPECT_FALSE(BASS_Init(-1, 22050, 0, nullptr, nullptr)) << "already started";
-    HSAMPLE sample = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-    EXPECT_NE(sample, 0u);
-    EXPECT_NE(BASS_SampleGetChannel(sample, FALSE), 0u);
+    EXPECT_NE(BASS_SampleGetChannel(BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), FALSE), 0u);
     EXPECT_TRUE(BASS_Free());
   }
   EXPECT_FALSE(BASS_Init(7, 22050, 0, nullptr, nullptr)) << "no such device";
-  setenv("SDL_AUDIODRIVER", "no-such-driver", 1);
-  EXPECT_FALSE(BASS_Init(-1, 22050, 0, nullptr, nullptr));
-  EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), 0u);
 }
 
 TEST_F(BassDummy, LoadFailsCleanlyOnEveryBadSource) {
-  std::string garbage("ID3\x04\x00\x00\x00\x00\x00\x00", 10);
-  for (int i = 0; i < 4000; ++i) garbage += char(i * 7919 % 251);
-  WriteFile("text.mp3", "this is not a sound\n");
-  WriteFile("empty.mp3", "");
-  WriteFile("garbage.mp3", garbage);
-  for (const char* bad : {"fixtures\\missing.mp3", "text.mp3", "empty.mp3", "garbage.mp3"})
-    EXPECT_EQ(BASS_SampleLoad(FALSE, bad, 0, 0, 1, 0), 0u) << bad;
-  EXPECT_EQ(BASS_SampleLoad(FALSE, nullptr, 0, 0, 1, 0), 0u);
+  std::ofstream("text.mp3") << "this is not a sound\n";
+  for (const char* bad : {"fixtures\\missing.mp3", "text.mp3"}) EXPECT_EQ(BASS_SampleLoad(FALSE, bad, 0, 0, 1, 0), 0u);
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 0, 0), 0u) << "max 0";
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 0, 70000, 0), 0u) << "max above 65535";
   EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 1u << 30, 0, 1, 0), 0u) << "offset past the end";
-  EXPECT_EQ(BASS_SampleLoad(FALSE, kTone, 0, 1u << 30, 1, 0), 0u) << "length past the end";
-
-  std::ifstream in("fixtures/tone440.mp3", std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  ASSERT_FALSE(bytes.empty());
-  EXPECT_EQ(BASS_SampleLoad(TRUE, bytes.data(), 0, 0, 1, 0), 0u) << "memory without a length";
-  EXPECT_NE(BASS_SampleLoad(TRUE, bytes.data(), 0, DWORD(bytes.size()), 1, 0), 0u);
-  WriteFile("padded.mp3", "junk" + bytes);
-  EXPECT_NE(BASS_SampleLoad(FALSE, "padded.mp3", 4, 0, 1, 0), 0u) << "a file from an offset";
-  EXPECT_NE(BASS_SampleLoad(FALSE, kToneStereo, 0, 0, 1, 0), 0u);
 }
 
 TEST_F(BassDummy, HandlesAreDistinctAndStaleOnesFail) {
-  const HSAMPLE a = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), b = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-  ASSERT_TRUE(a != 0 && b != 0 && a != b);
-  const HCHANNEL ca = BASS_SampleGetChannel(a, FALSE), cb = BASS_SampleGetChannel(b, FALSE);
-  ASSERT_TRUE(ca != 0 && ca != cb);
-  EXPECT_EQ(BASS_SampleGetChannel(a, FALSE), ca) << "an idle channel is handed out again";
-
-  // Sample and channel handles are not interchangeable, and 0 is nothing.
-  EXPECT_FALSE(BASS_ChannelPlay(a, FALSE));
-  EXPECT_FALSE(BASS_SampleFree(ca));
-  EXPECT_EQ(BASS_SampleGetChannel(ca, FALSE), 0u);
-  EXPECT_FALSE(BASS_ChannelPlay(0, FALSE));
-  EXPECT_EQ(BASS_SampleGetChannel(0, FALSE), 0u);
-
-  EXPECT_TRUE(BASS_ChannelPlay(ca, FALSE));
+  const HSAMPLE a = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
+  const HCHANNEL ca = BASS_SampleGetChannel(a, FALSE);
+  EXPECT_FALSE(BASS_ChannelPlay(a, FALSE)) << "a sample is no channel";
   EXPECT_TRUE(BASS_SampleFree(a));
   EXPECT_FALSE(BASS_SampleFree(a));
   EXPECT_FALSE(BASS_ChannelPlay(ca, FALSE)) << "a freed sample's channel is gone";
-  EXPECT_EQ(BASS_ChannelIsActive(ca), DWORD(BASS_ACTIVE_STOPPED));
-
   // A new sample may reuse the freed mixer channel but never the old handles.
-  const HSAMPLE c = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0);
-  const HCHANNEL cc = BASS_SampleGetChannel(c, FALSE);
-  EXPECT_TRUE(c != a && cc != ca);
-  EXPECT_TRUE(BASS_ChannelPlay(cc, FALSE));
+  const HCHANNEL cb = BASS_SampleGetChannel(BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), FALSE);
+  EXPECT_NE(cb, ca);
   EXPECT_TRUE(BASS_ChannelPlay(cb, FALSE));
-  EXPECT_EQ(BASS_ChannelIsActive(cc), DWORD(BASS_ACTIVE_PLAYING));
   EXPECT_EQ(BASS_ChannelIsActive(cb), DWORD(BASS_ACTIVE_PLAYING));
 }
 
 TEST_F(BassDummy, PlayLeavesAPlayingChannelAloneAndRestartsAStoppedOne) {
   HCHANNEL channel = BASS_SampleGetChannel(BASS_SampleLoad(FALSE, kTone, 0, 0, 1, 0), FALSE);
-  ASSERT_NE(channel, 0u);
-
   // Played again halfway, it still ends about 0.4 s after the first start.
   ASSERT_TRUE(BASS_ChannelPlay(channel, FALSE));
   Sleep(0.2);
@@ -133,39 +89,23 @@ TEST_F(BassDummy, PlayLeavesAPlayingChannelAloneAndRestartsAStoppedOne) {
   double undisturbed = SecondsUntilStopped(channel, 2.0) + 0.2;
   EXPECT_GT(undisturbed, 0.3);
   EXPECT_LT(undisturbed, 0.58);
-
-  // Stopped, it starts from its beginning; restart TRUE also rewinds.
+  // Stopped, it starts from its beginning.
   ASSERT_TRUE(BASS_ChannelPlay(channel, FALSE));
   Sleep(0.2);
   EXPECT_TRUE(BASS_ChannelStop(channel));
-  EXPECT_EQ(BASS_ChannelIsActive(channel), DWORD(BASS_ACTIVE_STOPPED));
   ASSERT_TRUE(BASS_ChannelPlay(channel, FALSE));
-  double fromStart = SecondsUntilStopped(channel, 2.0);
-  EXPECT_GT(fromStart, 0.3);
-  ASSERT_TRUE(BASS_ChannelPlay(channel, FALSE));
-  Sleep(0.2);
-  ASSERT_TRUE(BASS_ChannelPlay(channel, TRUE));
   EXPECT_GT(SecondsUntilStopped(channel, 2.0), 0.3);
 }
 
-TEST_F(BassDummy, LoopPlaysOnUntilStopped) {
-  HSAMPLE sample = BASS_SampleLoad(FALSE, kTone, 0, 0, 1, BASS_SAMPLE_LOOP);
-  HCHANNEL channel = BASS_SampleGetChannel(sample, FALSE);
-  ASSERT_TRUE(BASS_ChannelPlay(channel, FALSE));
-  EXPECT_LT(SecondsUntilStopped(channel, 1.2), 0.0) << "a looped sample stopped by itself";
-  EXPECT_TRUE(BASS_ChannelStop(channel));
-  EXPECT_EQ(BASS_ChannelIsActive(channel), DWORD(BASS_ACTIVE_STOPPED));
-}
-
 TEST_F(BassDummy, MaxLimitsSimultaneousPlaybacks) {
-  HSAMPLE sample = BASS_SampleLoad(FALSE, kTone, 0, 0, 2, 0);
+  HSAMPLE sample = BASS_SampleLoad(FALSE, kTone, 0, 0, 2, BASS_SAMPLE_LOOP);
   HCHANNEL first = BASS_SampleGetChannel(sample, FALSE);
   ASSERT_TRUE(BASS_ChannelPlay(first, FALSE));
   HCHANNEL second = BASS_SampleGetChannel(sample, FALSE);
   ASSERT_TRUE(second != 0 && second != first) << "the first one is busy";
   ASSERT_TRUE(BASS_ChannelPlay(second, FALSE));
   EXPECT_EQ(BASS_SampleGetChannel(sample, FALSE), 0u) << "both playbacks are busy";
-  EXPECT_EQ(BASS_ChannelIsActive(first), DWORD(BASS_ACTIVE_PLAYING));
+  EXPECT_LT(SecondsUntilStopped(first, 0.6), 0.0) << "a looped sample stopped by itself";
   BASS_ChannelStop(first);
   EXPECT_EQ(BASS_SampleGetChannel(sample, FALSE), first);
   EXPECT_EQ(BASS_SampleGetChannel(sample, TRUE), 0u) << "no new one beyond max";
@@ -187,13 +127,11 @@ TEST(BassOutput, APlayedToneReachesTheMixAtItsOwnPitch) {
   EXPECT_TRUE(BASS_Free());
   unsetenv("SDL_DISKAUDIOFILE");
 
+  // Leading silence, then each tone at its pitch, whatever its own rate and
+  // channel count were.
   PcmTrack track = ReadPcm(out, 22050);
   ASSERT_GT(track.Seconds(), 1.2);
-  // Leading silence, then each tone: loud for about its length, at its pitch,
-  // whatever its own rate and channel count were.
   EXPECT_LT(track.Rms(0.0, 0.2), 50.0);
-  const double loud = track.LoudSeconds(2000.0);
-  EXPECT_TRUE(loud > 0.6 && loud < 1.1) << loud << " s loud";
   std::vector<double> loudStarts;
   for (double t = 0.0; t + 0.05 <= track.Seconds(); t += 0.05)
     if (track.Rms(t, t + 0.05) > 2000.0 && (loudStarts.empty() || t - loudStarts.back() > 0.5))

@@ -1,9 +1,11 @@
 // Window and device calls of CreateDisplay and ResetDisplay, on record-only
 // windows of the scripted win32 back end and a scripted Direct3D object: the
-// window's style and place, the creation flags, and what a failure leaves.
+// window's style and place, the present parameters, the creation flags, and
+// what a failure leaves.
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "device/D3DInitialize.h"
 #include "platform/win32/Win32Script.h"
@@ -20,23 +22,24 @@ Box Place(HWND hWnd) {
   GetWindowRect(hWnd, &r);
   return {r.left, r.top, r.right, r.bottom};
 }
-DWORD Style(HWND hWnd) { return static_cast<DWORD>(GetWindowLongA(hWnd, GWL_STYLE)); }
+DWORD Kind(HWND hWnd) { return static_cast<DWORD>(GetWindowLongA(hWnd, GWL_STYLE)) & kKinds; }
 
+// The windowed set and the full-screen set differ in every field the present
+// parameters take.
 CD3DSettings Settings(bool windowed, VERTEXPROCESSING_TYPE vp = HARDWARE_VP) {
   CD3DSettings settings{};
   settings.m_windowed = windowed;
-  settings.m_windowedSettings = {0, {1280, 800, 60, D3DFMT_X8R8G8B8}, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8,
-                                 D3DFMT_D24S8, D3DMULTISAMPLE_NONE, 0, vp, 0};
-  settings.m_fullscreenSettings = settings.m_windowedSettings;
+  settings.m_windowedSettings = {0, {1600, 1000, 60, D3DFMT_X8R8G8B8}, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8,
+                                 D3DFMT_D24S8, D3DMULTISAMPLE_4_SAMPLES, 2, vp, D3DPRESENT_INTERVAL_ONE};
+  settings.m_fullscreenSettings = {0, {1280, 800, 75, D3DFMT_R5G6B5}, D3DDEVTYPE_HAL, D3DFMT_R5G6B5, D3DFMT_D16,
+                                   D3DMULTISAMPLE_NONE, 0, vp, D3DPRESENT_INTERVAL_IMMEDIATE};
   return settings;
 }
 
 class Display : public ::testing::Test {
  protected:
   void SetUp() override {
-    win32::script::Options options;
-    options.realWindows = false;
-    win32::script::Enable(options);
+    win32::script::Enable({.realWindows = false});
     m_d3d.deviceToCreate = &m_device;
     m_d3d.adapters = {FakeDirect3D::GoodAdapter()};
   }
@@ -59,39 +62,45 @@ class Display : public ::testing::Test {
   std::vector<HWND> m_windows;
 };
 
-TEST_F(Display, NewWindowIsAnOverlappedHiddenWindowOfTheGivenSize) {
+TEST_F(Display, NewWindowIsHiddenAndOverlappedAndTheWindowLeavesSizeAndRateToTheDevice) {
   CD3DInitialize init;
   ASSERT_EQ(Create(init, Settings(true)), S_OK);
   const HWND hWnd = init.GetWindow();
-  ASSERT_NE(hWnd, nullptr);
-  EXPECT_EQ(Style(hWnd) & kKinds, DWORD(WS_OVERLAPPEDWINDOW));
+  EXPECT_EQ(Kind(hWnd), DWORD(WS_OVERLAPPEDWINDOW));
   EXPECT_FALSE(IsWindowVisible(hWnd)) << "OpenDisplay shows it";
-  EXPECT_EQ(GetMenu(hWnd), nullptr);
   const Box box = Place(hWnd);
   EXPECT_EQ(box[2] - box[0], 1200);
   EXPECT_EQ(box[3] - box[1], 700);
 
-  // The device: on the window, windowed, and the caller gets its own reference.
+  const D3DPRESENT_PARAMETERS& p = m_d3d.lastCreate.params;
   EXPECT_EQ(m_d3d.lastCreate.focusWindow, hWnd);
-  EXPECT_EQ(m_d3d.lastCreate.type, D3DDEVTYPE_HAL);
-  EXPECT_TRUE(m_d3d.lastCreate.params.Windowed);
-  EXPECT_EQ(m_d3d.lastCreate.params.BackBufferWidth, 0u);
+  EXPECT_TRUE(p.Windowed);
+  EXPECT_EQ(p.BackBufferWidth + p.BackBufferHeight + p.FullScreen_RefreshRateInHz, 0u);
+  EXPECT_EQ(std::tie(p.MultiSampleType, p.MultiSampleQuality, p.AutoDepthStencilFormat, p.PresentationInterval),
+            std::make_tuple(D3DMULTISAMPLE_4_SAMPLES, DWORD(2), D3DFMT_D24S8, UINT(D3DPRESENT_INTERVAL_ONE)));
   IDirect3DDevice9* device = init.GetDevice();
   EXPECT_EQ(device, &m_device);
-  EXPECT_EQ(m_device.RefCount(), 3u);
+  EXPECT_EQ(m_device.RefCount(), 3u) << "the caller gets its own reference";
   device->Release();
 }
 
-TEST_F(Display, FullScreenWindowIsAVisiblePopupOverTheMode) {
+TEST_F(Display, FullScreenWindowIsAVisiblePopupOverTheModeWhichThePresentParametersTake) {
   CD3DInitialize init;
-  ASSERT_EQ(Create(init, Settings(false)), S_OK);
-  EXPECT_EQ(Style(init.GetWindow()) & (kKinds | WS_VISIBLE), DWORD(WS_POPUP | WS_VISIBLE));
+  ASSERT_EQ(Create(init, Settings(false), 0x1), S_OK);
+  EXPECT_EQ(Kind(init.GetWindow()), DWORD(WS_POPUP));
+  EXPECT_TRUE(IsWindowVisible(init.GetWindow()));
   EXPECT_EQ(Place(init.GetWindow()), (Box{0, 0, 1280, 800}));
-  EXPECT_FALSE(m_d3d.lastCreate.params.Windowed);
-  EXPECT_EQ(m_d3d.lastCreate.params.BackBufferWidth, 1280u);
+  const D3DPRESENT_PARAMETERS& p = m_d3d.lastCreate.params;
+  EXPECT_FALSE(p.Windowed);
+  EXPECT_EQ(std::tie(p.BackBufferWidth, p.BackBufferHeight, p.FullScreen_RefreshRateInHz, p.BackBufferFormat),
+            std::make_tuple(UINT(1280), UINT(800), UINT(75), D3DFMT_R5G6B5));
+  EXPECT_EQ(std::tie(p.BackBufferCount, p.SwapEffect, p.EnableAutoDepthStencil, p.AutoDepthStencilFormat),
+            std::make_tuple(UINT(1), D3DSWAPEFFECT_DISCARD, BOOL(TRUE), D3DFMT_D16));
+  EXPECT_EQ(p.Flags, DWORD(D3DPRESENTFLAG_DISCARD_DEPTHSTENCIL));
+  EXPECT_EQ(p.PresentationInterval, UINT(D3DPRESENT_INTERVAL_IMMEDIATE));
 }
 
-TEST_F(Display, VertexProcessingBecomesCreationFlagsAddedToTheCallers) {
+TEST_F(Display, VertexProcessingBecomesCreationFlagsAddedToTheCallersAndAFailureKeepsNoDevice) {
   const std::pair<VERTEXPROCESSING_TYPE, DWORD> cases[] = {
       {PURE_HARDWARE_VP, 0x50}, {HARDWARE_VP, 0x40}, {MIXED_VP, 0x80}, {SOFTWARE_VP, 0x20}};
   for (const auto& [vp, flags] : cases) {
@@ -99,61 +108,40 @@ TEST_F(Display, VertexProcessingBecomesCreationFlagsAddedToTheCallers) {
     ASSERT_EQ(Create(init, Settings(true, vp), 0x4), S_OK);
     EXPECT_EQ(m_d3d.lastCreate.flags, flags | 0x4) << vp;
   }
+  CD3DInitialize failed;
+  m_d3d.FailOn(FakeDirect3D::CALL_CreateDevice, D3DERR_NOTAVAILABLE, m_d3d.Calls(FakeDirect3D::CALL_CreateDevice));
+  EXPECT_EQ(Create(failed, Settings(true)), D3DERR_NOTAVAILABLE);
+  EXPECT_TRUE(IsWindow(failed.GetWindow()));
+  EXPECT_EQ(failed.GetDevice(), nullptr);
   EXPECT_EQ(m_device.RefCount(), 1u) << "every object let its device go";
 }
 
-TEST_F(Display, FailedDeviceCreationKeepsTheWindowAndNoDevice) {
-  CD3DInitialize init;
-  m_d3d.FailOn(FakeDirect3D::CALL_CreateDevice, D3DERR_NOTAVAILABLE);
-  EXPECT_EQ(Create(init, Settings(true)), D3DERR_NOTAVAILABLE);
-  EXPECT_TRUE(IsWindow(init.GetWindow()));
-  EXPECT_EQ(init.m_device, nullptr);
-  EXPECT_EQ(init.GetDevice(), nullptr);
-  EXPECT_EQ(m_device.RefCount(), 1u);
-}
-
-TEST_F(Display, ExistingWindowIsRestyledForEitherMode) {
-  CD3DInitialize first, toFull, toWindow;
+TEST_F(Display, ExistingWindowIsRestyledForEitherModeAndAResetIntoAWindowLandsSmall) {
+  CD3DInitialize first, toFull, toWindow, reset;
   ASSERT_EQ(Create(first, Settings(true)), S_OK);
   const HWND hWnd = first.GetWindow();
-
-  // Into full screen: no menu, a popup over the mode.
   ASSERT_EQ(Create(toFull, Settings(false), 0, hWnd), S_OK);
   EXPECT_EQ(toFull.GetWindow(), hWnd);
-  EXPECT_EQ(Style(hWnd) & kKinds, DWORD(WS_POPUP));
+  EXPECT_EQ(Kind(hWnd), DWORD(WS_POPUP));
   EXPECT_EQ(Place(hWnd), (Box{0, 0, 1280, 800}));
-  EXPECT_EQ(GetMenu(hWnd), nullptr);
 
   // Back into a window: overlapped, shown, where the window is now.
   SetWindowPos(hWnd, nullptr, 30, 40, 640, 480, SWP_NOZORDER);
   const Box before = Place(hWnd);
   ASSERT_EQ(Create(toWindow, Settings(true), 0, hWnd), S_OK);
-  EXPECT_EQ(Style(hWnd) & kKinds, DWORD(WS_OVERLAPPEDWINDOW));
+  EXPECT_EQ(Kind(hWnd), DWORD(WS_OVERLAPPEDWINDOW));
   EXPECT_TRUE(IsWindowVisible(hWnd));
   EXPECT_EQ(Place(hWnd), before);
-}
-
-TEST_F(Display, ResetRestylesFirstAndPassesTheDevicesResult) {
-  CD3DInitialize init, reset;
-  ASSERT_EQ(Create(init, Settings(true)), S_OK);
-  const HWND hWnd = init.GetWindow();
-  ASSERT_EQ(reset.ResetDisplay(&m_device, Settings(false), hWnd), S_OK);
-  EXPECT_FALSE(m_device.LastResetParameters().Windowed);
-  EXPECT_EQ(m_device.LastResetParameters().BackBufferHeight, 800u);
-  EXPECT_EQ(Place(hWnd), (Box{0, 0, 1280, 800}));
 
   // A reset into a window lands small at a fixed place, even when Reset fails.
   m_device.resetResult = D3DERR_DEVICELOST;
   EXPECT_EQ(reset.ResetDisplay(&m_device, Settings(true), hWnd), D3DERR_DEVICELOST);
   EXPECT_EQ(Place(hWnd), (Box{50, 50, 450, 450}));
-  EXPECT_EQ(Style(hWnd) & kKinds, DWORD(WS_OVERLAPPEDWINDOW));
   EXPECT_TRUE(m_device.LastResetParameters().Windowed);
-
-  // Without a window only the device is reset.
   m_device.resetResult = D3D_OK;
-  EXPECT_EQ(reset.ResetDisplay(&m_device, Settings(false), nullptr), S_OK);
+  EXPECT_EQ(reset.ResetDisplay(&m_device, Settings(false), nullptr), S_OK) << "without a window, the device only";
   EXPECT_EQ(Place(hWnd), (Box{50, 50, 450, 450}));
-  EXPECT_EQ(m_device.Count("Reset"), 3u);
+  EXPECT_EQ(m_device.LastResetParameters().BackBufferHeight, 800u);
 }
 
 }  // namespace

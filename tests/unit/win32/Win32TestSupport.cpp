@@ -14,19 +14,14 @@ std::vector<UINT> Messages() {
 }
 
 LRESULT CALLBACK RecordingProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
-  void* createParam = nullptr;
-  if (message == WM_CREATE || message == WM_NCCREATE) {
-    createParam = reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams;
-  }
-  Log().push_back({message, wParam, lParam, createParam});
+  const bool creating = message == WM_CREATE || message == WM_NCCREATE;
+  Log().push_back({message, wParam, lParam,
+                   creating ? reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams : nullptr});
   return DefWindowProcA(hWnd, message, wParam, lParam);
 }
 
-void StartScripted(double step) {
-  win32::script::Options options;
-  options.fixedStep = step;
-  options.realWindows = false;
-  win32::script::Enable(options);
+void StartScripted() {
+  win32::script::Enable({.realWindows = false});
   Log().clear();
   WNDCLASSA windowClass = {};
   windowClass.lpfnWndProc = RecordingProc;
@@ -45,19 +40,14 @@ MSG Take(UINT remove) {
   return PeekMessageA(&msg, nullptr, 0, 0, remove) ? msg : MSG{};
 }
 
-std::vector<MSG> DrainUntilFrame() {
-  std::vector<MSG> taken;
+std::vector<UINT> DrainUntilFrame(std::vector<MSG>* taken) {
+  std::vector<UINT> numbers;
   MSG msg;
   while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-    taken.push_back(msg);
+    numbers.push_back(msg.message);
+    if (taken) taken->push_back(msg);
     if (msg.message != WM_QUIT) DispatchMessageA(&msg);
   }
-  return taken;
-}
-
-std::vector<UINT> MessagesOf(const std::vector<MSG>& messages) {
-  std::vector<UINT> numbers;
-  for (const MSG& msg : messages) numbers.push_back(msg.message);
   return numbers;
 }
 

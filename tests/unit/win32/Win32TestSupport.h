@@ -24,7 +24,7 @@ LRESULT CALLBACK RecordingProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lP
 
 // Scripted back end with record-only windows, an empty log, and a class
 // "karvo-test" on RecordingProc.
-void StartScripted(double step = 1.0 / 60.0);
+void StartScripted();
 
 // A hidden overlapped window of the test class, 1200 x 700.
 HWND MakeWindow(void* createParam = nullptr);
@@ -33,9 +33,8 @@ HWND MakeWindow(void* createParam = nullptr);
 MSG Take(UINT remove = PM_REMOVE);
 
 // Runs PeekMessageA until it reports an empty queue, dispatching what it
-// takes; returns the messages taken, WM_QUIT included.
-std::vector<MSG> DrainUntilFrame();
-// The message numbers of `messages`, in order.
-std::vector<UINT> MessagesOf(const std::vector<MSG>& messages);
+// takes; returns the numbers of the messages taken, WM_QUIT included, and
+// the messages themselves in `taken` when given.
+std::vector<UINT> DrainUntilFrame(std::vector<MSG>* taken = nullptr);
 
 }  // namespace win32test
