@@ -56,19 +56,13 @@ void Fuzz(std::initializer_list<const char*> endings, std::uintmax_t maxBytes, T
     Bytes data = seeds[random() % seeds.size()];
     for (int m = 1 + int(random() % 4); m > 0 && !data.empty(); --m) {
       const std::size_t at = random() % data.size();
-      switch (random() % 4) {
-        case 0:
-          data[at] ^= std::uint8_t(1u << (random() % 8));
-          break;
-        case 1:
-          data[at] = std::uint8_t(random());
-          break;
-        case 2:
-          data.resize(at);
-          break;
-        default:
-          data.insert(data.begin() + long(at), 1 + random() % 16, std::uint8_t(random()));
-      }
+      const unsigned kind = random() % 4, value = unsigned(random());
+      if (kind == 2)
+        data.resize(at);
+      else if (kind == 3)
+        data.insert(data.begin() + long(at), 1 + value % 16, std::uint8_t(value >> 8));
+      else  // a byte overwritten, or one of its bits flipped
+        data[at] = kind ? std::uint8_t(value) : std::uint8_t(data[at] ^ (1u << value % 8));
     }
     accepted += target(data) ? 1 : 0;
   }

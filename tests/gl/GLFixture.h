@@ -8,8 +8,8 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -50,11 +50,8 @@ struct UV {
 // truncates, and the other way round).
 inline ::testing::AssertionResult ColorNear(D3DCOLOR got, D3DCOLOR want, int tolerance = 2) {
   for (int shift = 0; shift < 32; shift += 8)
-    if (std::abs(int((got >> shift) & 0xFF) - int((want >> shift) & 0xFF)) > tolerance) {
-      char text[64];
-      std::snprintf(text, sizeof text, "got 0x%08X, want 0x%08X", unsigned(got), unsigned(want));
-      return ::testing::AssertionFailure() << text;
-    }
+    if (std::abs(int((got >> shift) & 0xFF) - int((want >> shift) & 0xFF)) > tolerance)
+      return ::testing::AssertionFailure() << std::hex << "got 0x" << got << ", want 0x" << want;
   return ::testing::AssertionSuccess();
 }
 
@@ -136,17 +133,18 @@ class DeviceTest : public ::testing::Test {
           texels[i % texels.size()];
     ASSERT_EQ(texture->UnlockRect(level), D3D_OK);
   }
-  // Managed buffers holding `quad` and the indices of its two triangles
-  // (0 1 2, 0 2 3); the caller releases them.
-  void MakeQuadBuffers(const ScreenVertex (&quad)[4], IDirect3DVertexBuffer9*& vb,
+  // Managed buffers holding a quad (texture coordinates 0 to 1) and the
+  // indices of its two triangles (0 1 2, 0 2 3); the caller releases them.
+  void MakeQuadBuffers(const Rect& r, D3DCOLOR diffuse, IDirect3DVertexBuffer9*& vb,
                        IDirect3DIndexBuffer9*& ib) {
+    const std::array<ScreenVertex, 4> quad = QuadVertices(r, diffuse, {}, 0.5f, {});
     const WORD indices[6] = {0, 1, 2, 0, 2, 3};
     void* bytes = nullptr;
     ASSERT_EQ(
         device_->CreateVertexBuffer(sizeof quad, 0, kScreenFVF, D3DPOOL_MANAGED, &vb, nullptr),
         D3D_OK);
     ASSERT_EQ(vb->Lock(0, 0, &bytes, 0), D3D_OK);
-    std::memcpy(bytes, quad, sizeof quad);
+    std::memcpy(bytes, quad.data(), sizeof quad);
     vb->Unlock();
     ASSERT_EQ(device_->CreateIndexBuffer(sizeof indices, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib,
                                          nullptr),
@@ -155,22 +153,26 @@ class DeviceTest : public ::testing::Test {
     std::memcpy(bytes, indices, sizeof indices);
     ib->Unlock();
   }
+  // A pre-transformed quad as a fan; the second coordinate set is `uv1`.
+  static std::array<ScreenVertex, 4> QuadVertices(const Rect& r, D3DCOLOR diffuse, UV uv, float z,
+                                                  UV uv1) {
+    return {{{r.x1, r.y1, z, 1, diffuse, uv.u1, uv.v1, uv1.u1, uv1.v1},
+             {r.x2, r.y1, z, 1, diffuse, uv.u2, uv.v1, uv1.u2, uv1.v1},
+             {r.x2, r.y2, z, 1, diffuse, uv.u2, uv.v2, uv1.u2, uv1.v2},
+             {r.x1, r.y2, z, 1, diffuse, uv.u1, uv.v2, uv1.u1, uv1.v2}}};
+  }
 
   void ClearAll(D3DCOLOR color = 0xFF000000u) {
     ASSERT_EQ(device_->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, color, 1.0f, 0),
               D3D_OK);
   }
-  // One pre-transformed quad as a fan; both coordinate sets are `uv` unless
-  // `uv1` is given.
+  // One pre-transformed quad; both coordinate sets are `uv` unless `uv1` is
+  // given.
   HRESULT Quad(const Rect& r, D3DCOLOR diffuse, UV uv = {}, float z = 0.5f,
                const UV* uv1 = nullptr) {
-    const UV s = uv1 ? *uv1 : uv;
-    const ScreenVertex v[4] = {{r.x1, r.y1, z, 1, diffuse, uv.u1, uv.v1, s.u1, s.v1},
-                               {r.x2, r.y1, z, 1, diffuse, uv.u2, uv.v1, s.u2, s.v1},
-                               {r.x2, r.y2, z, 1, diffuse, uv.u2, uv.v2, s.u2, s.v2},
-                               {r.x1, r.y2, z, 1, diffuse, uv.u1, uv.v2, s.u1, s.v2}};
+    const std::array<ScreenVertex, 4> v = QuadVertices(r, diffuse, uv, z, uv1 ? *uv1 : uv);
     device_->SetFVF(kScreenFVF);
-    return device_->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, v, sizeof(ScreenVertex));
+    return device_->DrawPrimitiveUP(D3DPT_TRIANGLEFAN, 2, v.data(), sizeof(ScreenVertex));
   }
 
   // The back buffer as it is now (pending draws carried out first).
