@@ -115,10 +115,12 @@ TEST_F(SamplerTest, MagnificationFilterAndAddressing) {
   IDirect3DTexture9* checker = MakeTexture(2, 2, {0xFF000000, 0xFFFFFFFF, 0xFFFFFFFF, 0xFF000000});
   IDirect3DTexture9* colours = MakeTexture(2, 2, {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFFFFFFFF});
   constexpr DWORD WRAP = D3DTADDRESS_WRAP, CLAMP = D3DTADDRESS_CLAMP, POINT = D3DTEXF_POINT;
+  constexpr DWORD LINEAR = D3DTEXF_LINEAR, ANISO = D3DTEXF_ANISOTROPIC;
   struct Probe {
     int x, y;
     D3DCOLOR want;
   };
+  const Probe mixed{15, 8, 0xFF808080}, white{24, 4, 0xFFFFFFFF};
   struct Case {
     const char* name;
     IDirect3DTexture9* texture;
@@ -128,25 +130,9 @@ TEST_F(SamplerTest, MagnificationFilterAndAddressing) {
     int tolerance = 0;
   };
   const Case cases[] = {
-      {"POINT keeps the texel", checker, POINT, CLAMP, CLAMP, 1, {15, 8, 0xFF000000}, {24, 4, ~0u}},
-      {"LINEAR mixes the neighbours",
-       checker,
-       D3DTEXF_LINEAR,
-       CLAMP,
-       CLAMP,
-       1,
-       {15, 8, 0xFF808080},
-       {24, 4, ~0u},
-       0x30},
-      {"ANISOTROPIC magnifies linearly",
-       checker,
-       D3DTEXF_ANISOTROPIC,
-       CLAMP,
-       CLAMP,
-       1,
-       {15, 8, 0xFF808080},
-       {24, 4, ~0u},
-       0x30},
+      {"POINT keeps the texel", checker, POINT, CLAMP, CLAMP, 1, {15, 8, 0xFF000000}, white},
+      {"LINEAR mixes the neighbours", checker, LINEAR, CLAMP, CLAMP, 1, mixed, white, 0x30},
+      {"ANISOTROPIC magnifies linearly", checker, ANISO, CLAMP, CLAMP, 1, mixed, white, 0x30},
       {"WRAP, WRAP", colours, POINT, WRAP, WRAP, 2, {20, 4, 0xFFFF0000}, {4, 20, 0xFFFF0000}},
       {"CLAMP, WRAP", colours, POINT, CLAMP, WRAP, 2, {20, 4, 0xFF00FF00}, {4, 20, 0xFFFF0000}},
       {"WRAP, CLAMP", colours, POINT, WRAP, CLAMP, 2, {20, 4, 0xFFFF0000}, {4, 20, 0xFF0000FF}},
