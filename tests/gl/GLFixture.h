@@ -66,20 +66,20 @@ class DeviceTest : public ::testing::Test {
     d3d9gl::SetWindowLookup([](HWND) -> void* { return window_; });
     d3d_ = Direct3DCreate9(D3D_SDK_VERSION);
     ASSERT_NE(d3d_, nullptr);
-    ASSERT_NO_FATAL_FAILURE(Recreate(Params()));
+    D3DPRESENT_PARAMETERS pp = Params();
+    ASSERT_EQ(d3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, pp.hDeviceWindow,
+                                 D3DCREATE_HARDWARE_VERTEXPROCESSING, &pp, &device_),
+              D3D_OK);
+    // Pre-transformed quads are drawn either way round.
+    device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
   }
   void TearDown() override {
-    ReleaseAll();
+    for (IDirect3DTexture9* t : textures_) t->Release();
+    if (device_) device_->Release();
     if (d3d_) d3d_->Release();
     d3d9gl::SetWindowLookup(nullptr);
     if (window_) SDL_DestroyWindow(window_);
     window_ = nullptr;
-  }
-  void ReleaseAll() {
-    for (IDirect3DTexture9* t : textures_) t->Release();
-    textures_.clear();
-    if (device_) device_->Release();
-    device_ = nullptr;
   }
 
   // Windowed, kSize square, A8R8G8B8 with a D24S8 depth buffer.
@@ -96,17 +96,6 @@ class DeviceTest : public ::testing::Test {
     pp.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
     return pp;
   }
-  // Replaces the device by one made with these parameters.
-  void Recreate(D3DPRESENT_PARAMETERS pp) {
-    ReleaseAll();
-    ASSERT_EQ(d3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, pp.hDeviceWindow,
-                                 D3DCREATE_HARDWARE_VERTEXPROCESSING, &pp, &device_),
-              D3D_OK);
-    // Pre-transformed quads are drawn either way round.
-    device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-    device_->SetFVF(kScreenFVF);
-  }
-
   // A managed A8R8G8B8 texture whose top level holds `texels`; lower levels,
   // if any, are left black. Released by the fixture.
   IDirect3DTexture9* MakeTexture(UINT width, UINT height, const std::vector<D3DCOLOR>& texels,

@@ -132,12 +132,11 @@ TEST_F(BackBufferTest, ResetKeepsManagedTexturesBuffersAndTheTexelsLocksSee) {
   IDirect3DIndexBuffer9* ib = nullptr;
   ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers({8.5f, 8.5f, 40.5f, 40.5f}, 0xFFFFFFFF, vb, ib));
 
-  // Reset unbinds everything and restores the default states: bind again.
-  // The quad's left edge runs through pixel centres: only a multisampled back
+  // Reset unbinds everything and restores the default states (the texel
+  // times white, counter-clockwise culling of a quad listed clockwise): bind
+  // again. The quad's left edge runs through pixel centres: only a multisampled back
   // buffer shows the pixels there part-covered.
   auto drawAndProbe = [&](D3DMULTISAMPLE_TYPE samples) {
-    device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-    device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1);
     device_->SetTexture(0, texture);
     device_->SetFVF(kScreenFVF);
     device_->SetStreamSource(0, vb, 0, sizeof(ScreenVertex));
