@@ -2,10 +2,11 @@
 // pictures (decode, colour key, power-of-two resampling, the mip chain),
 // sounds (a whole mp3 decoded into a sample) and the height map (read into a
 // terrain). The seeds are the generated assets; each input is a seed mutated
-// by flips, overwrites, cuts, repeats and insertions drawn from a fixed
-// random sequence, so a failing input is found again by its number. A run is
-// bounded by a count and by time; what it must never do is crash, hang or
-// trip a sanitizer, whatever the loaders answer.
+// by flips, overwrites, cuts and insertions drawn from a fixed random
+// sequence, so a failing input is found again by its number. A run is
+// bounded by a count and by time (KARVO_FUZZ_INPUTS, KARVO_FUZZ_SECONDS ask
+// for longer ones); what it must never do is crash, hang or trip a
+// sanitizer, whatever the loaders answer.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
 #include <random>
 #include <string>
@@ -30,70 +32,46 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Inputs a target runs at most, and the seconds it may take: short for the
-// suite, longer when KARVO_FUZZ_INPUTS and KARVO_FUZZ_SECONDS ask for it.
-double Limit(const char* variable, double suite) {
-  const char* asked = std::getenv(variable);
-  return asked ? std::atof(asked) : suite;
-}
-
-Bytes Read(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-// Generated assets with one of these endings, small enough to run often.
-std::vector<Bytes> Seeds(std::initializer_list<const char*> endings, std::size_t maxBytes = 200000) {
-  std::vector<Bytes> seeds;
-  for (const auto& entry : fs::recursive_directory_iterator(KARVO_ASSET_DIR)) {
-    const std::string name = entry.path().string();
-    for (const char* ending : endings)
-      if (name.ends_with(ending) && entry.file_size() <= maxBytes) seeds.push_back(Read(entry.path()));
-  }
-  return seeds;
-}
-
-// One to four mutations of a seed.
-Bytes Mutate(Bytes data, std::mt19937& random) {
-  const int count = 1 + int(random() % 4);
-  for (int m = 0; m < count && !data.empty(); ++m) {
-    const std::size_t at = random() % data.size();
-    switch (random() % 5) {
-      case 0: data[at] ^= std::uint8_t(1u << (random() % 8)); break;
-      case 1: data[at] = std::uint8_t(random()); break;
-      case 2: data.resize(at); break;
-      case 3: {  // a run of the data repeated further on
-        const std::size_t length = std::min<std::size_t>(1 + random() % 64, data.size() - at);
-        const Bytes run(data.begin() + long(at), data.begin() + long(at + length));
-        data.insert(data.begin() + long(random() % data.size()), run.begin(), run.end());
-        break;
-      }
-      default:
-        for (std::size_t i = 0, n = 1 + random() % 16; i < n; ++i)
-          data.insert(data.begin() + long(at), std::uint8_t(random()));
-    }
-  }
-  return data;
-}
-
-// Feeds mutated seeds to `target` until the count or the time runs out;
-// prints how many ran and how many the target accepted.
+// Mutates generated assets with these endings, small enough to run often, and
+// feeds them to `target` until the count or the time runs out; prints how
+// many ran and how many the target accepted.
 template <typename Target>
-void Fuzz(const char* name, const std::vector<Bytes>& seeds, Target target) {
-  ASSERT_FALSE(seeds.empty()) << "no seeds in " << KARVO_ASSET_DIR;
+void Fuzz(std::initializer_list<const char*> endings, std::uintmax_t maxBytes, Target target) {
+  std::vector<Bytes> seeds;
+  for (const auto& entry : fs::recursive_directory_iterator(KARVO_ASSET_DIR))
+    for (const char* ending : endings)
+      if (entry.path().string().ends_with(ending) && entry.file_size() <= maxBytes) {
+        std::ifstream in(entry.path(), std::ios::binary);
+        seeds.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+      }
+  ASSERT_FALSE(seeds.empty()) << "no " << *endings.begin() << " seeds in " << KARVO_ASSET_DIR;
+  const char* inputs = std::getenv("KARVO_FUZZ_INPUTS");
+  const char* seconds = std::getenv("KARVO_FUZZ_SECONDS");
+  const auto end = std::chrono::steady_clock::now() +
+                   std::chrono::duration<double>(seconds ? std::atof(seconds) : 20.0);
   std::mt19937 random(20261123u);
-  const auto start = std::chrono::steady_clock::now();
   int runs = 0, accepted = 0;
-  const double inputs = Limit("KARVO_FUZZ_INPUTS", 400), seconds = Limit("KARVO_FUZZ_SECONDS", 20);
-  for (; runs < inputs; ++runs) {
-    if (std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() > seconds) break;
-    accepted += target(Mutate(seeds[random() % seeds.size()], random)) ? 1 : 0;
+  for (; runs < (inputs ? std::atoi(inputs) : 400) && std::chrono::steady_clock::now() < end;
+       ++runs) {
+    Bytes data = seeds[random() % seeds.size()];
+    for (int m = 1 + int(random() % 4); m > 0 && !data.empty(); --m) {
+      const std::size_t at = random() % data.size();
+      const unsigned kind = random() % 4, value = unsigned(random());
+      if (kind == 2)
+        data.resize(at);
+      else if (kind == 3)
+        data.insert(data.begin() + long(at), 1 + value % 16, std::uint8_t(value >> 8));
+      else  // a byte overwritten, or one of its bits flipped
+        data[at] = kind ? std::uint8_t(value) : std::uint8_t(data[at] ^ (1u << value % 8));
+    }
+    accepted += target(data) ? 1 : 0;
   }
-  std::printf("%s: %d inputs from %zu seeds, %d accepted\n", name, runs, seeds.size(), accepted);
+  std::printf("%s: %d inputs from %zu seeds, %d accepted\n", *endings.begin(), runs, seeds.size(),
+              accepted);
 }
 
 TEST(LoaderFuzz, Pictures) {
-  Fuzz("pictures", Seeds({".png", ".jpg"}), [](const Bytes& input) {
+  Fuzz({".png", ".jpg"}, 200000, [](const Bytes& input) {
     d3dx::DecodedImage decoded;
     std::string error;
     if (!d3dx::DecodeImageMemory(input.data(), input.size(), decoded, error)) {
@@ -103,7 +81,8 @@ TEST(LoaderFuzz, Pictures) {
     d3dx::ApplyColorKey(decoded.image, 0xFFFFFFFFu);
     d3dx::ArgbImage level = d3dx::Resample(decoded.image, d3dx::NextPowerOfTwo(decoded.image.width),
                                            d3dx::NextPowerOfTwo(decoded.image.height));
-    for (std::uint32_t i = 1, levels = d3dx::FullMipCount(level.width, level.height); i < levels; ++i)
+    for (std::uint32_t i = 1, levels = d3dx::FullMipCount(level.width, level.height); i < levels;
+         ++i)
       level = d3dx::HalveBox(level);
     EXPECT_EQ(level.width * level.height, 1u);
     return true;
@@ -112,7 +91,7 @@ TEST(LoaderFuzz, Pictures) {
 
 TEST(LoaderFuzz, Sounds) {
   ASSERT_TRUE(BASS_Init(-1, 22050, 0, nullptr, nullptr));
-  Fuzz("sounds", Seeds({".mp3"}, 40000), [](const Bytes& input) {
+  Fuzz({".mp3"}, 40000, [](const Bytes& input) {
     const HSAMPLE sample = BASS_SampleLoad(TRUE, input.data(), 0, DWORD(input.size()), 1, 0);
     return sample != 0 && BASS_SampleFree(sample);
   });
@@ -120,9 +99,11 @@ TEST(LoaderFuzz, Sounds) {
 }
 
 TEST(LoaderFuzz, HeightMap) {
-  const fs::path file = fs::temp_directory_path() / ("karvo_fuzz_map_" + std::to_string(getpid()) + ".raw");
-  Fuzz("height map", Seeds({".raw"}), [&file](const Bytes& input) {
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(input.data()), long(input.size()));
+  const fs::path file =
+      fs::temp_directory_path() / ("karvo_fuzz_map_" + std::to_string(getpid()) + ".raw");
+  Fuzz({".raw"}, 200000, [&file](const Bytes& input) {
+    std::ofstream(file, std::ios::binary)
+        .write(reinterpret_cast<const char*>(input.data()), long(input.size()));
     // There are no pictures where the test runs: the map is read, then the
     // first picture cannot be had and the load ends.
     karvo_test::RecordingDevice device;

@@ -1,8 +1,12 @@
 // Merged UP draws must look exactly like separate ones: each quad shows its
 // own texture in call order, a state change or texture upload between two
 // draws applies to the later one only, indexed draws keep their place among
-// UP draws, and a texture released while its draw waits still shows.
+// UP draws, and a texture released while its draw waits still shows. Then
+// Reset (plain, after a lost device, to a multisampled back buffer that
+// smooths edges and still reads back) that keeps managed textures, vertex and
+// index buffers usable, and texels that locks read back.
 #include <functional>
+#include <utility>
 
 #include "GLFixture.h"
 
@@ -11,62 +15,43 @@ namespace {
 
 constexpr D3DCOLOR kRed = 0xFFFF0000, kGreen = 0xFF00FF00, kBlue = 0xFF0000FF, kGrey = 0xFF808080;
 
-class MergedDrawTest : public DeviceTest {
- protected:
-  void SetUp() override {
-    DeviceTest::SetUp();
-    device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_MODULATE);
-    device_->SetTextureStageState(0, D3DTSS_COLORARG1, D3DTA_TEXTURE);
-    device_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_DIFFUSE);
-  }
-  IDirect3DTexture9* Solid(D3DCOLOR color) { return MakeTexture(1, 1, {color}); }
-  std::uint32_t GlDrawsOfFrame() {
+// Stage 0 keeps its default: the texel times the diffuse colour.
+using MergedDrawTest = DeviceTest;
+
+TEST_F(MergedDrawTest, QuadsKeepTheirTexelsAndCallOrderInAsFewGlDrawsAsTexturesAllow) {
+  struct Case {
+    int textures, quads;
+    std::uint32_t glDraws;
+  };
+  // Three textures alternating fit one merged draw; one more than it holds
+  // needs a second.
+  const Case cases[] = {{3, 24, 1}, {d3d9gl::kBatchTextures + 1, d3d9gl::kBatchTextures + 1, 2}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.textures);
+    std::vector<IDirect3DTexture9*> textures;
+    auto color = [](int i) { return 0xFF000040u | 0x2F0000u * D3DCOLOR(i + 1); };
+    for (int i = 0; i < c.textures; ++i) textures.push_back(MakeTexture(1, 1, {color(i)}));
+    ClearAll();
+    ASSERT_EQ(device_->BeginScene(), D3D_OK);
+    // Quad i spans x from 2i to 2i + 16: at x = 2i it is the last one drawn.
+    for (int i = 0; i < c.quads; ++i) {
+      device_->SetTexture(0, textures[std::size_t(i % c.textures)]);
+      ASSERT_EQ(Quad({float(2 * i), 8, float(2 * i + 16), 24}, 0xFFFFFFFF), D3D_OK);
+    }
+    ASSERT_EQ(device_->EndScene(), D3D_OK);
+    const std::vector<D3DCOLOR> f = Frame();
+    for (int i = 0; i < c.quads; ++i)
+      EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], color(i % c.textures)) << "quad " << i;
     EXPECT_EQ(device_->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
     d3d9gl::FrameStats stats;
     EXPECT_TRUE(d3d9gl::GetFrameStats(device_, stats));
-    return stats.lastFrameGlDrawCalls;
+    EXPECT_EQ(stats.lastFrameGlDrawCalls, c.glDraws);
   }
-};
-
-TEST_F(MergedDrawTest, AlternatingTexturesKeepTheirTexelsAndTheCallOrder) {
-  IDirect3DTexture9* textures[3] = {Solid(kRed), Solid(kGreen), Solid(kBlue)};
-  // Quad i spans x from 2i to 2i + 16: at x = 2i it is the last one drawn.
-  constexpr int kQuads = 24;
-  ClearAll();
-  ASSERT_EQ(device_->BeginScene(), D3D_OK);
-  for (int i = 0; i < kQuads; ++i) {
-    device_->SetTexture(0, textures[i % 3]);
-    ASSERT_EQ(Quad({float(2 * i), 8, float(2 * i + 16), 24}, 0xFFFFFFFF), D3D_OK);
-  }
-  ASSERT_EQ(device_->EndScene(), D3D_OK);
-  std::vector<D3DCOLOR> f = Frame();
-  const D3DCOLOR colors[3] = {kRed, kGreen, kBlue};
-  for (int i = 0; i < kQuads; ++i)
-    EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], colors[i % 3]) << "quad " << i;
-  EXPECT_EQ(GlDrawsOfFrame(), 1u);
-}
-
-TEST_F(MergedDrawTest, MoreTexturesThanOneMergedDrawHolds) {
-  constexpr int kQuads = d3d9gl::kBatchTextures + 4;
-  std::vector<IDirect3DTexture9*> textures;
-  for (int i = 0; i < kQuads; ++i)
-    textures.push_back(Solid(0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40));
-  ClearAll();
-  for (int i = 0; i < kQuads; ++i) {
-    device_->SetTexture(0, textures[std::size_t(i)]);
-    ASSERT_EQ(Quad({float(4 * i), 8, float(4 * i + 4), 24}, 0xFFFFFFFF), D3D_OK);
-  }
-  std::vector<D3DCOLOR> f = Frame();
-  for (int i = 0; i < kQuads; ++i)
-    EXPECT_EQ(f[16 * kSize + std::size_t(4 * i + 2)],
-              0xFF000000u | D3DCOLOR(20 * (i + 1)) << 16 | 0x40)
-        << i;
-  EXPECT_EQ(GlDrawsOfFrame(), 2u);
 }
 
 TEST_F(MergedDrawTest, AChangeBetweenTwoDrawsAppliesToTheLaterOnly) {
-  IDirect3DTexture9* red = Solid(kRed);
-  IDirect3DTexture9* blue = Solid(kBlue);
+  IDirect3DTexture9* red = MakeTexture(1, 1, {kRed});
+  IDirect3DTexture9* blue = MakeTexture(1, 1, {kBlue});
   struct Case {
     const char* name;
     std::function<void()> between;
@@ -76,51 +61,52 @@ TEST_F(MergedDrawTest, AChangeBetweenTwoDrawsAppliesToTheLaterOnly) {
       {"nothing", [] {}, 0xFF800000, 0xFF800000},
       {"colour op", [&] { device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2); },
        kGrey, kGrey},
-      {"texels rewritten", [&] { FillLevel(red, 0, kGreen); }, 0xFF008000, 0xFF008000},
+      {"texels rewritten", [&] { FillLevel(red, 0, {kGreen}); }, 0xFF008000, 0xFF008000},
       {"another texture", [&] { device_->SetTexture(0, blue); }, 0xFF000080, 0xFF000080},
       {"no texture", [&] { device_->SetTexture(0, nullptr); }, kGrey, kGrey},
-      {"additive blending",
-       [&] {
-         device_->SetRenderState(D3DRS_ALPHABLENDENABLE, TRUE);
-         device_->SetRenderState(D3DRS_SRCBLEND, D3DBLEND_ONE);
-         device_->SetRenderState(D3DRS_DESTBLEND, D3DBLEND_ONE);
-       },
+      {"additive blending", [&] { device_->SetRenderState(D3DRS_ALPHABLENDENABLE, TRUE); },
        0xFF800000, 0xFFFF0000},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    FillLevel(red, 0, kRed);
+    FillLevel(red, 0, {kRed});
     device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_MODULATE);
     device_->SetRenderState(D3DRS_ALPHABLENDENABLE, FALSE);
+    device_->SetRenderState(D3DRS_SRCBLEND, D3DBLEND_ONE);
+    device_->SetRenderState(D3DRS_DESTBLEND, D3DBLEND_ONE);
     device_->SetTexture(0, red);
     ClearAll();
     ASSERT_EQ(Quad({8, 8, 40, 40}, 0xFFFFFFFF), D3D_OK);
     c.between();
     ASSERT_EQ(Quad({24, 24, 56, 56}, kGrey), D3D_OK);
-    std::vector<D3DCOLOR> f = Frame();
+    const std::vector<D3DCOLOR> f = Frame();
     EXPECT_EQ(f[12 * kSize + 12], kRed);
     EXPECT_TRUE(ColorNear(f[50 * kSize + 50], c.alone));
     EXPECT_TRUE(ColorNear(f[32 * kSize + 32], c.overlap));
   }
 }
 
-TEST_F(MergedDrawTest, IndexedDrawsKeepTheirPlaceAmongUpDraws) {
-  device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
-  const ScreenVertex green[4] = {{16, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
-                                 {48, 16, 0.5f, 1, kGreen, 0, 0, 0, 0},
-                                 {48, 48, 0.5f, 1, kGreen, 0, 0, 0, 0},
-                                 {16, 48, 0.5f, 1, kGreen, 0, 0, 0, 0}};
+// An indexed draw between two UP draws lands between them, and a texture
+// whose last reference goes while its draw waits still shows.
+TEST_F(MergedDrawTest, IndexedDrawsAndReleasedTexturesKeepTheirPlace) {
+  IDirect3DTexture9* owned = nullptr;
+  ASSERT_EQ(device_->CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &owned, nullptr),
+            D3D_OK);
+  FillLevel(owned, 0, {kRed});
   IDirect3DVertexBuffer9* vb = nullptr;
   IDirect3DIndexBuffer9* ib = nullptr;
-  ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers(green, vb, ib));
-
+  ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers({16, 16, 48, 48}, kGreen, vb, ib));
   ClearAll();
-  ASSERT_EQ(Quad({8, 8, 40, 40}, kRed), D3D_OK);
-  device_->SetStreamSource(0, vb, 0, sizeof(ScreenVertex));
+  device_->SetTexture(0, owned);
+  ASSERT_EQ(Quad({8, 8, 40, 40}, 0xFFFFFFFF), D3D_OK);
+  device_->SetTexture(0, nullptr);
+  owned->Release();
+  device_->SetStreamSource(0, vb, 0, sizeof(ScreenVertex));  // a UP draw unsets it
   device_->SetIndices(ib);
   ASSERT_EQ(device_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 2), D3D_OK);
-  ASSERT_EQ(Quad({24, 24, 56, 56}, kBlue), D3D_OK);
-  std::vector<D3DCOLOR> f = Frame();
+  device_->SetTexture(0, MakeTexture(1, 1, {kBlue}));
+  ASSERT_EQ(Quad({24, 24, 56, 56}, 0xFFFFFFFF), D3D_OK);
+  const std::vector<D3DCOLOR> f = Frame();
   EXPECT_EQ(f[10 * kSize + 10], kRed);
   EXPECT_EQ(f[20 * kSize + 20], kGreen);
   EXPECT_EQ(f[30 * kSize + 30], kBlue);
@@ -129,19 +115,73 @@ TEST_F(MergedDrawTest, IndexedDrawsKeepTheirPlaceAmongUpDraws) {
   ib->Release();
 }
 
-TEST_F(MergedDrawTest, ATextureReleasedWhileItsDrawWaitsStillShows) {
-  IDirect3DTexture9* owned = nullptr;
-  ASSERT_EQ(device_->CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &owned, nullptr),
+using BackBufferTest = DeviceTest;
+
+// A level's texels live in GL alone between locks: a lock of part of it, and
+// a read after a reset, must still see every texel written before. Reset
+// waits for the default pool to go, then keeps managed textures and buffers.
+TEST_F(BackBufferTest, ResetKeepsManagedTexturesBuffersAndTheTexelsLocksSee) {
+  const std::vector<D3DCOLOR> want = {0xFFFF0000, 0x8000FF00, 0x400000FF, 0xFF123456};
+  IDirect3DTexture9* texture = MakeTexture(2, 2, {want[0], want[1], want[2], 0x00FFFFFF});
+  D3DLOCKED_RECT locked{};
+  const RECT corner = {1, 1, 2, 2};
+  ASSERT_EQ(texture->LockRect(0, &locked, &corner, 0), D3D_OK);
+  *static_cast<D3DCOLOR*>(locked.pBits) = want[3];
+  ASSERT_EQ(texture->UnlockRect(0), D3D_OK);
+  IDirect3DVertexBuffer9* vb = nullptr;
+  IDirect3DIndexBuffer9* ib = nullptr;
+  ASSERT_NO_FATAL_FAILURE(MakeQuadBuffers({8.5f, 8.5f, 40.5f, 40.5f}, 0xFFFFFFFF, vb, ib));
+
+  // Reset unbinds everything and restores the default states (the texel
+  // times white, counter-clockwise culling of a quad listed clockwise): bind
+  // again. The quad's left edge runs through pixel centres: only a multisampled back
+  // buffer shows the pixels there part-covered.
+  auto drawAndProbe = [&](D3DMULTISAMPLE_TYPE samples) {
+    device_->SetTexture(0, texture);
+    device_->SetFVF(kScreenFVF);
+    device_->SetStreamSource(0, vb, 0, sizeof(ScreenVertex));
+    device_->SetIndices(ib);
+    ClearAll();
+    EXPECT_EQ(device_->BeginScene(), D3D_OK);
+    EXPECT_EQ(device_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 2), D3D_OK);
+    EXPECT_EQ(device_->EndScene(), D3D_OK);
+    const std::vector<D3DCOLOR> f = Frame();
+    EXPECT_EQ(f[16 * kSize + 8] == want[0], samples == D3DMULTISAMPLE_NONE) << f[16 * kSize + 8];
+    return std::vector<D3DCOLOR>{f[16 * kSize + 16], f[16 * kSize + 32], f[32 * kSize + 16],
+                                 f[32 * kSize + 32]};
+  };
+  ASSERT_EQ(drawAndProbe(D3DMULTISAMPLE_NONE), want);
+
+  IDirect3DVertexBuffer9* dynamic = nullptr;
+  ASSERT_EQ(device_->CreateVertexBuffer(256, D3DUSAGE_DYNAMIC, kScreenFVF, D3DPOOL_DEFAULT,
+                                        &dynamic, nullptr),
             D3D_OK);
-  FillLevel(owned, 0, kGreen);
-  ClearAll();
-  device_->SetTexture(0, owned);
-  ASSERT_EQ(Quad({8, 8, 24, 24}, 0xFFFFFFFF), D3D_OK);
-  device_->SetTexture(0, Solid(kBlue));
-  owned->Release();  // the last reference the program holds
-  ASSERT_EQ(Quad({32, 8, 48, 24}, 0xFFFFFFFF), D3D_OK);
-  EXPECT_EQ(Pixel(16, 16), kGreen);
-  EXPECT_EQ(Pixel(40, 16), kBlue);
+  D3DPRESENT_PARAMETERS pp = Params();
+  EXPECT_EQ(device_->Reset(&pp), D3DERR_INVALIDCALL);
+  dynamic->Release();
+  const std::pair<bool, D3DMULTISAMPLE_TYPE> cases[] = {
+      {false, D3DMULTISAMPLE_NONE}, {true, D3DMULTISAMPLE_NONE}, {false, D3DMULTISAMPLE_4_SAMPLES}};
+  for (const auto& [lostFirst, samples] : cases) {
+    SCOPED_TRACE(::testing::Message() << "lost first " << lostFirst << ", samples " << samples);
+    pp = Params(samples);
+    if (lostFirst) {
+      d3d9gl::SimulateDeviceLost(device_, true);
+      EXPECT_EQ(device_->Present(nullptr, nullptr, nullptr, nullptr), D3DERR_DEVICELOST);
+      EXPECT_EQ(device_->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
+    }
+    ASSERT_EQ(device_->Reset(&pp), D3D_OK);
+    EXPECT_EQ(device_->TestCooperativeLevel(), D3D_OK);
+    ASSERT_EQ(texture->LockRect(0, &locked, nullptr, D3DLOCK_READONLY), D3D_OK);
+    const auto* row0 = static_cast<const D3DCOLOR*>(locked.pBits);
+    const auto* row1 =
+        reinterpret_cast<const D3DCOLOR*>(static_cast<const char*>(locked.pBits) + locked.Pitch);
+    EXPECT_EQ((std::vector<D3DCOLOR>{row0[0], row0[1], row1[0], row1[1]}), want);
+    EXPECT_EQ(texture->UnlockRect(0), D3D_OK);
+    EXPECT_EQ(drawAndProbe(samples), want);
+    EXPECT_EQ(device_->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+  }
+  vb->Release();
+  ib->Release();
 }
 
 }  // namespace

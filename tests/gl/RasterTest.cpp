@@ -1,9 +1,14 @@
 // From vertices to pixels: where pre-transformed and transformed vertices
 // land, the row-vector transform order, depth from 0 to 1, culling by screen
 // winding across the y flip, wireframe, depth test and write, and blending.
-#include <cmath>
+#include <algorithm>
+#include <utility>
 
 #include "GLFixture.h"
+#include "platform/d3dx9/d3dx9math.h"
+#include "terrain/Mesh.h"
+#include "terrain/Terrain.h"
+#include "unit/terrain/TerrainFixture.h"
 
 namespace gltest {
 namespace {
@@ -11,110 +16,83 @@ namespace {
 constexpr D3DCOLOR kClear = 0xFF204080;
 constexpr D3DCOLOR kInk = 0xFFFFFFFF;
 
-// Pixel coordinates (y down) to normalised device coordinates (y up).
-float NdcX(float px) {
-  return px / (float(kSize) / 2.0f) - 1.0f;
-}
-float NdcY(float py) {
-  return 1.0f - py / (float(kSize) / 2.0f);
-}
+struct Probe {
+  int x, y;
+  bool inked;
+};
 
-D3DMATRIX Identity() {
-  D3DMATRIX m{};
-  m._11 = m._22 = m._33 = m._44 = 1.0f;
-  return m;
-}
-
+// No texture is set: a stage colouring from a missing texture ends the
+// cascade, so the diffuse colour and alpha are drawn.
 class RasterTest : public DeviceTest {
  protected:
-  void SetUp() override {
-    DeviceTest::SetUp();
-    // Diffuse colour only: no texture involved.
-    device_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1);
-    device_->SetTextureStageState(0, D3DTSS_COLORARG1, D3DTA_DIFFUSE);
-    device_->SetTextureStageState(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG1);
-    device_->SetTextureStageState(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE);
+  // Vertices given in pixels (x, y pairs), drawn as screen vertices or, with
+  // `world`, as model-space ones at clip depth z through whatever transforms
+  // are set (identity by default).
+  HRESULT Draw(D3DPRIMITIVETYPE type, const std::vector<float>& xy, bool world, float z = 0.5f) {
+    std::vector<ScreenVertex> screen;
+    std::vector<WorldVertex> model;
+    for (std::size_t i = 0; i + 1 < xy.size(); i += 2) {
+      screen.push_back({xy[i], xy[i + 1], z, 1.0f, kInk, 0, 0, 0, 0});
+      model.push_back({xy[i] / 32.0f - 1.0f, 1.0f - xy[i + 1] / 32.0f, z, kInk, 0, 0});
+    }
+    const UINT count =
+        type == D3DPT_TRIANGLELIST ? UINT(screen.size() / 3) : UINT(screen.size() - 2);
+    device_->SetFVF(world ? kWorldFVF : kScreenFVF);
+    return world ? device_->DrawPrimitiveUP(type, count, model.data(), sizeof(WorldVertex))
+                 : device_->DrawPrimitiveUP(type, count, screen.data(), sizeof(ScreenVertex));
   }
-
-  // A triangle list of transformed vertices given in pixels, at clip depth z.
-  HRESULT WorldTriangles(const std::vector<float>& xy, float z, D3DCOLOR color) {
-    std::vector<WorldVertex> v;
-    for (std::size_t i = 0; i + 1 < xy.size(); i += 2)
-      v.push_back({NdcX(xy[i]), NdcY(xy[i + 1]), z, color, 0, 0});
-    device_->SetFVF(kWorldFVF);
-    HRESULT hr = device_->DrawPrimitiveUP(D3DPT_TRIANGLELIST, UINT(v.size() / 3), v.data(),
-                                          sizeof(WorldVertex));
-    device_->SetFVF(kScreenFVF);
-    return hr;
+  void ExpectInk(const std::vector<Probe>& probes) {
+    const std::vector<D3DCOLOR> f = Frame();
+    for (const Probe& p : probes)
+      EXPECT_EQ(f[std::size_t(p.y) * kSize + std::size_t(p.x)] == kInk, p.inked)
+          << p.x << "," << p.y;
   }
-  bool Inked(int x, int y) { return Pixel(x, y) == kInk; }
 };
 
 TEST_F(RasterTest, PreTransformedVerticesLandOnTheirPixels) {
-  struct Case {
-    const char* name;
-    D3DVIEWPORT9 viewport;
-  };
-  const Case cases[] = {
-      {"whole viewport", {0, 0, kSize, kSize, 0.0f, 1.0f}},
-      // Screen vertices are render-target pixels: the viewport does not move them.
-      {"offset viewport", {8, 4, 48, 40, 0.0f, 1.0f}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    ASSERT_EQ(device_->SetViewport(&c.viewport), D3D_OK);
+  // Screen vertices are render-target pixels: a viewport does not move them.
+  for (const D3DVIEWPORT9 viewport :
+       {D3DVIEWPORT9{0, 0, kSize, kSize, 0.0f, 1.0f}, D3DVIEWPORT9{8, 4, 48, 40, 0.0f, 1.0f}}) {
+    SCOPED_TRACE(viewport.X);
+    ASSERT_EQ(device_->SetViewport(&viewport), D3D_OK);
     ClearAll(kClear);
     ASSERT_EQ(Quad({10, 6, 30, 20}, kInk), D3D_OK);
-    std::vector<D3DCOLOR> f = Frame();
-    auto at = [&](int x, int y) { return f[std::size_t(y) * kSize + std::size_t(x)]; };
-    EXPECT_EQ(at(10, 6), kInk);
-    EXPECT_EQ(at(29, 6), kInk);
-    EXPECT_EQ(at(10, 19), kInk);
-    EXPECT_EQ(at(29, 19), kInk);
-    EXPECT_EQ(at(9, 6), kClear);
-    EXPECT_EQ(at(10, 5), kClear);
-    EXPECT_EQ(at(30, 19), kClear);
-    EXPECT_EQ(at(29, 20), kClear);
-    int inked = 0;
-    for (D3DCOLOR p : f) inked += p == kInk;
-    EXPECT_EQ(inked, 20 * 14);
+    // The four corner pixels inked, and just so many pixels in all.
+    ExpectInk({{10, 6, true}, {29, 6, true}, {10, 19, true}, {29, 19, true}});
+    const std::vector<D3DCOLOR> f = Frame();
+    EXPECT_EQ(std::count(f.begin(), f.end(), kInk), 20 * 14);
   }
 }
 
 TEST_F(RasterTest, TransformsApplyWorldThenViewThenProjectionToRowVectors) {
   // A square of half-side 8 pixels about the centre: scaled by 2 (world), moved
   // right by 8 pixels (view), moved up by 8 pixels (projection).
-  D3DMATRIX world = Identity(), view = Identity(), proj = Identity();
+  D3DXMATRIX world, view, proj;
+  D3DXMatrixIdentity(&world);
   world._11 = world._22 = 2.0f;
-  view._41 = 0.25f;
-  proj._42 = 0.25f;
+  D3DXMatrixTranslation(&view, 0.25f, 0.0f, 0.0f);
+  D3DXMatrixTranslation(&proj, 0.0f, 0.25f, 0.0f);
   device_->SetTransform(D3DTS_WORLD, &world);
   device_->SetTransform(D3DTS_VIEW, &view);
   device_->SetTransform(D3DTS_PROJECTION, &proj);
   ClearAll(kClear);
-  ASSERT_EQ(WorldTriangles({24, 24, 40, 24, 40, 40, 24, 24, 40, 40, 24, 40}, 0.5f, kInk), D3D_OK);
+  ASSERT_EQ(Draw(D3DPT_TRIANGLEFAN, {24, 24, 40, 24, 40, 40, 24, 40}, true), D3D_OK);
   // Expected: x from 24 to 56, y from 8 to 40. In any other order of the
   // three the square starts at x 32 or y 0.
-  struct Probe {
-    int x, y;
-    bool inked;
-  };
-  const Probe probes[] = {{25, 9, true},   {55, 39, true},  {23, 20, false}, {40, 7, false},
-                          {56, 20, false}, {40, 40, false}, {28, 36, true},  {50, 4, false}};
-  for (const Probe& p : probes) EXPECT_EQ(Inked(p.x, p.y), p.inked) << p.x << "," << p.y;
+  const std::vector<Probe> probes = {{25, 9, true},  {55, 39, true},  {23, 20, false},
+                                     {40, 7, false}, {56, 20, false}, {40, 40, false},
+                                     {28, 36, true}, {50, 4, false}};
+  ExpectInk(probes);
 }
 
 TEST_F(RasterTest, ClipDepthRunsFromZeroToOne) {
-  struct Case {
-    float z;
-    bool drawn;
-  };
-  const Case cases[] = {{-0.25f, false}, {0.25f, true}, {0.75f, true}, {1.25f, false}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.z);
+  const std::pair<float, bool> cases[] = {
+      {-0.25f, false}, {0.25f, true}, {0.75f, true}, {1.25f, false}};
+  for (const auto& [z, drawn] : cases) {
+    SCOPED_TRACE(z);
     ClearAll(kClear);
-    ASSERT_EQ(WorldTriangles({8, 8, 40, 8, 8, 40}, c.z, kInk), D3D_OK);
-    EXPECT_EQ(Inked(12, 12), c.drawn);
+    ASSERT_EQ(Draw(D3DPT_TRIANGLELIST, {8, 8, 40, 8, 8, 40}, true, z), D3D_OK);
+    ExpectInk({{12, 12, drawn}});
   }
 }
 
@@ -122,85 +100,39 @@ TEST_F(RasterTest, CullModesFollowTheWindingOnScreen) {
   // Clockwise on screen (y down) at the top left, counter-clockwise at the
   // bottom right, and a strip at the top right whose second triangle is
   // counter-clockwise as listed but counts as clockwise, as strips alternate.
-  const std::vector<float> clockwise = {4, 4, 28, 4, 4, 28};
-  const std::vector<float> counter = {36, 36, 36, 60, 60, 36};
-  const float strip[4][2] = {{36, 4}, {60, 4}, {36, 28}, {60, 28}};
   struct Case {
-    const char* name;
     DWORD cull;
-    bool pretransformed;
-    bool clockwiseShown, counterShown, stripShown;
+    bool clockwiseShown, counterShown;
   };
   const Case cases[] = {
-      {"CCW, screen vertices", D3DCULL_CCW, true, true, false, true},
-      {"CW, screen vertices", D3DCULL_CW, true, false, true, false},
-      {"NONE, screen vertices", D3DCULL_NONE, true, true, true, true},
-      {"CCW, transformed vertices", D3DCULL_CCW, false, true, false, true},
-      {"CW, transformed vertices", D3DCULL_CW, false, false, true, false},
-      {"NONE, transformed vertices", D3DCULL_NONE, false, true, true, true},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    ClearAll(kClear);
-    device_->SetRenderState(D3DRS_CULLMODE, c.cull);
-    if (c.pretransformed) {
-      Triangle(clockwise[0], clockwise[1], clockwise[2], clockwise[3], clockwise[4], clockwise[5],
-               kInk);
-      Triangle(counter[0], counter[1], counter[2], counter[3], counter[4], counter[5], kInk);
-      ScreenVertex v[4];
-      for (int i = 0; i < 4; ++i) v[i] = {strip[i][0], strip[i][1], 0.5f, 1.0f, kInk, 0, 0, 0, 0};
-      ASSERT_EQ(device_->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, v, sizeof v[0]), D3D_OK);
-    } else {
-      WorldTriangles(clockwise, 0.5f, kInk);
-      WorldTriangles(counter, 0.5f, kInk);
-      WorldVertex v[4];
-      for (int i = 0; i < 4; ++i) v[i] = {NdcX(strip[i][0]), NdcY(strip[i][1]), 0.5f, kInk, 0, 0};
-      device_->SetFVF(kWorldFVF);
-      ASSERT_EQ(device_->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, v, sizeof v[0]), D3D_OK);
-      device_->SetFVF(kScreenFVF);
+      {D3DCULL_CCW, true, false}, {D3DCULL_CW, false, true}, {D3DCULL_NONE, true, true}};
+  for (const bool world : {false, true})
+    for (const Case& c : cases) {
+      SCOPED_TRACE(::testing::Message() << "cull " << c.cull << (world ? ", model" : ", screen"));
+      ClearAll(kClear);
+      device_->SetRenderState(D3DRS_CULLMODE, c.cull);
+      ASSERT_EQ(Draw(D3DPT_TRIANGLELIST, {4, 4, 28, 4, 4, 28, 36, 36, 36, 60, 60, 36}, world),
+                D3D_OK);
+      ASSERT_EQ(Draw(D3DPT_TRIANGLESTRIP, {36, 4, 60, 4, 36, 28, 60, 28}, world), D3D_OK);
+      const bool cw = c.clockwiseShown, ccw = c.counterShown;
+      ExpectInk({{8, 8, cw}, {40, 44, ccw}, {40, 8, cw}, {56, 24, cw}});
     }
-    EXPECT_EQ(Inked(8, 8), c.clockwiseShown);
-    EXPECT_EQ(Inked(40, 44), c.counterShown);
-    EXPECT_EQ(Inked(40, 8), c.stripShown);   // first strip triangle
-    EXPECT_EQ(Inked(56, 24), c.stripShown);  // second strip triangle
-  }
 }
 
 TEST_F(RasterTest, WireframeDrawsOnlyTheEdges) {
-  struct Probe {
-    int x, y;
-    bool inked;
-  };
-  struct Case {
-    DWORD fill;
-    std::vector<Probe> probes;
-  };
-  const Case cases[] = {
-      {D3DFILL_SOLID,
-       {{24, 9, true},
-        {9, 24, true},
-        {39, 24, true},
-        {24, 39, true},
-        {30, 16, true},
-        {16, 30, true}}},
-      // The four sides and the diagonal between the fan's two triangles.
-      {D3DFILL_WIREFRAME,
-       {{24, 8, true},
-        {8, 24, true},
-        {40, 24, true},
-        {24, 40, true},
-        {24, 24, true},
-        {24, 9, false},
-        {30, 16, false},
-        {16, 30, false}}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.fill);
-    device_->SetRenderState(D3DRS_FILLMODE, c.fill);
+  // Edges through pixel centres, so each edge lights one row or column: the
+  // four sides and the diagonal between the fan's two triangles.
+  const std::vector<Probe> solid = {{24, 9, true},  {9, 24, true},  {39, 24, true},
+                                    {24, 39, true}, {30, 16, true}, {16, 30, true}};
+  const std::vector<Probe> wire = {{24, 8, true},   {8, 24, true},  {40, 24, true},
+                                   {24, 40, true},  {24, 24, true}, {24, 9, false},
+                                   {30, 16, false}, {16, 30, false}};
+  for (const DWORD fill : {D3DFILL_SOLID, D3DFILL_WIREFRAME}) {
+    SCOPED_TRACE(fill);
+    device_->SetRenderState(D3DRS_FILLMODE, fill);
     ClearAll(kClear);
-    // Edges through pixel centres, so each edge lights one row or column.
     ASSERT_EQ(Quad({8.5f, 8.5f, 40.5f, 40.5f}, kInk), D3D_OK);
-    for (const Probe& p : c.probes) EXPECT_EQ(Inked(p.x, p.y), p.inked) << p.x << "," << p.y;
+    ExpectInk(fill == D3DFILL_SOLID ? solid : wire);
   }
 }
 
@@ -208,18 +140,16 @@ TEST_F(RasterTest, DepthTestAndWrite) {
   constexpr D3DCOLOR kFirst = 0xFFFF0000, kSecond = 0xFF00FF00;
   struct Case {
     const char* name;
-    float firstZ;
-    DWORD firstWrite;
-    float secondZ;
-    DWORD secondZEnable;
+    DWORD firstWrite, secondZEnable;
+    float firstZ, secondZ;
     D3DCOLOR want;
   };
   const Case cases[] = {
-      {"a nearer quad that wrote depth hides a farther one", 0.2f, TRUE, 0.6f, D3DZB_TRUE, kFirst},
-      {"a nearer quad that did not write depth does not", 0.2f, FALSE, 0.6f, D3DZB_TRUE, kSecond},
-      {"a nearer second quad covers the first", 0.6f, TRUE, 0.2f, D3DZB_TRUE, kSecond},
-      {"equal depth passes (LESSEQUAL)", 0.5f, TRUE, 0.5f, D3DZB_TRUE, kSecond},
-      {"no depth test draws over anything", 0.2f, TRUE, 0.6f, D3DZB_FALSE, kSecond},
+      {"a nearer quad that wrote depth hides a farther one", TRUE, D3DZB_TRUE, 0.2f, 0.6f, kFirst},
+      {"a nearer quad that did not write depth does not", FALSE, D3DZB_TRUE, 0.2f, 0.6f, kSecond},
+      {"a nearer second quad covers the first", TRUE, D3DZB_TRUE, 0.6f, 0.2f, kSecond},
+      {"equal depth passes (LESSEQUAL)", TRUE, D3DZB_TRUE, 0.5f, 0.5f, kSecond},
+      {"no depth test draws over anything", TRUE, D3DZB_FALSE, 0.2f, 0.6f, kSecond},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -260,6 +190,45 @@ TEST_F(RasterTest, BlendFactors) {
     EXPECT_TRUE(ColorNear(Pixel(24, 24), c.want));
     EXPECT_EQ(Pixel(50, 50), kClear);
   }
+}
+
+// The ground's triangle strip against the layer's culling, end to end: one
+// block of a real terrain on the real device, seen from above with the
+// default counter-clockwise culling, covers the screen; seen from below it is
+// culled away. A strip wound the wrong way, or a layer that flips the winding
+// across its y flip, shows up here as a black screen from above.
+TEST_F(RasterTest, OneTerrainBlockIsSeenFromAboveAndCulledFromBelow) {
+  CTerrain terrain;
+  terrain.SetDevice(device_, true);
+  // One block of 36 x 36 cells on a gentle slope, all of it below the eye.
+  karvo_test::MakeMap(terrain, 37, 37,
+                      [](std::uint32_t col, std::uint32_t row) { return std::uint8_t(col + row); });
+  ASSERT_EQ(terrain.AddBlockMeshes(1), 0);
+  ASSERT_TRUE(terrain.BuildBlockMeshes());
+  const CMesh* block = terrain.m_blockMeshes[0];
+  const float middle = 18.0f * terrain.m_scale.x;
+
+  D3DXMATRIX view, projection;
+  D3DXMatrixPerspectiveFovLH(&projection, D3DX_PI / 4.0f, 1.0f, 10.0f, 100000.0f);
+  device_->SetTransform(D3DTS_PROJECTION, &projection);
+  device_->SetRenderState(D3DRS_CULLMODE,
+                          D3DCULL_CCW);  // the fixture turns culling off; the game keeps it on
+  device_->SetFVF(block->m_vertexFormat);
+  device_->SetStreamSource(0, block->m_vertexBuffer, 0, block->m_vertexStride);
+  device_->SetIndices(block->m_indexBuffer);
+  const D3DXVECTOR3 at(middle, 0.0f, middle), north(0.0f, 0.0f, 1.0f);
+
+  for (const float eyeY : {20000.0f, -20000.0f}) {
+    const D3DXVECTOR3 eye(middle, eyeY, middle);
+    D3DXMatrixLookAtLH(&view, &eye, &at, &north);
+    device_->SetTransform(D3DTS_VIEW, &view);
+    ClearAll();
+    device_->DrawIndexedPrimitive(D3DPT_TRIANGLESTRIP, 0, 0, CTerrain::BLOCK_VERTICES, 0,
+                                  terrain.m_blockPrimitiveCount);
+    // No texture: the untextured ground shows as opaque white.
+    EXPECT_TRUE(ColorNear(Pixel(32, 32), eyeY > 0.0f ? 0xFFFFFFFFu : 0xFF000000u)) << eyeY;
+  }
+  terrain.ReleaseTerrain();
 }
 
 }  // namespace
