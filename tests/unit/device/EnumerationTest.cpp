@@ -11,7 +11,6 @@
 namespace {
 
 using Fake = FakeDirect3D;
-using Intervals = std::vector<std::uint32_t>;
 using Types = std::vector<D3DDEVTYPE>;
 constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
 
@@ -61,7 +60,6 @@ TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
   Fake d3d = Adapters();
   d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(800, 600, 60, D3DFMT_A8R8G8B8),
                            Mode(1024, 768, 60, D3DFMT_X1R5G5B5), Mode(1024, 768, 60, X8)};
-  d3d.adapters[0].backBufferFormats = {D3DFMT_R5G6B5};
   CD3DInitialize init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   const std::vector<D3DDISPLAYMODE>& modes = init.GetAdapter(0)->m_modes;
@@ -69,11 +67,6 @@ TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
   EXPECT_EQ(modes[0].Format, X8);
   EXPECT_EQ(modes[1].Format, D3DFMT_X1R5G5B5);
   EXPECT_EQ(modes[2].Format, D3DFMT_R5G6B5);
-  // Adapter formats follow the modes: three formats, one back buffer, two flags.
-  const auto options = AllOptions(init);
-  ASSERT_EQ(options.size(), 6u);
-  EXPECT_EQ(options[2]->m_adapterFormat, D3DFMT_X1R5G5B5);
-  EXPECT_EQ(options[4]->m_adapterFormat, D3DFMT_R5G6B5);
 }
 
 TEST(Enumeration, FailingModeListEndsTheWalkButFailingCapsSkipsOneType) {
@@ -132,71 +125,20 @@ TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrde
   }
 }
 
-TEST(Enumeration, DepthAndMultiSampleListsInTableOrderAndAnOptionWithoutADepthIsDropped) {
+TEST(Enumeration, DepthFormatsInTableOrderAndAnOptionWithoutADepthIsDropped) {
   Fake d3d = Adapters();
   d3d.adapters[0].depthFormats = {D3DFMT_D15S1,   D3DFMT_D16, D3DFMT_D24S8,       D3DFMT_D24X8,
                                   D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
-  d3d.adapters[0].multiSample = {{D3DMULTISAMPLE_NONE, 1}, {D3DMULTISAMPLE_2_SAMPLES, 4},
-                                 {D3DMULTISAMPLE_16_SAMPLES, 2}};
   CMyD3DInit all;
   ASSERT_EQ(all.Enumerate(&d3d), S_OK);
-  const CD3DOptionRecord& first = *AllOptions(all)[0];
-  EXPECT_EQ(first.m_depthFormats, (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8, D3DFMT_D24S8,
-                                                          D3DFMT_D16, D3DFMT_D15S1}));
-  EXPECT_EQ(first.m_multiSampleTypes, (std::vector<D3DMULTISAMPLE_TYPE>{
-                                          D3DMULTISAMPLE_NONE, D3DMULTISAMPLE_2_SAMPLES, D3DMULTISAMPLE_16_SAMPLES}));
-  EXPECT_EQ(first.m_multiSampleQualities, (std::vector<std::uint32_t>{1, 4, 2}));
+  EXPECT_EQ(AllOptions(all)[0]->m_depthFormats, (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8,
+                                                                        D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1}));
 
   d3d.adapters[0].depthFormats = {D3DFMT_D16};
   d3d.adapters[0].unmatchedDepth = {{D3DFMT_A8R8G8B8, D3DFMT_D16}};
   CMyD3DInit init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  const auto options = AllOptions(init);
-  ASSERT_EQ(options.size(), 2u) << "only X8 back buffers have a depth format";
-
-}
-
-TEST(Enumeration, VertexProcessingFromMostToLeastHardwareAndNeverMixedForTheApplication) {
-  using VP = std::vector<VERTEXPROCESSING_TYPE>;
-  const struct {
-    D3DCAPS9 caps;
-    VP base, application;
-  } cases[] = {
-      {Fake::GoodCaps(true, true), {PURE_HARDWARE_VP, HARDWARE_VP, MIXED_VP, SOFTWARE_VP},
-       {PURE_HARDWARE_VP, HARDWARE_VP, SOFTWARE_VP}},
-      {Fake::GoodCaps(true, false), {HARDWARE_VP, MIXED_VP, SOFTWARE_VP}, {HARDWARE_VP, SOFTWARE_VP}},
-      // A pure device without hardware transform is no hardware device at all.
-      {Fake::GoodCaps(false, true), {SOFTWARE_VP}, {SOFTWARE_VP}},
-  };
-  for (const auto& c : cases) {
-    Fake d3d = Adapters();
-    d3d.adapters[0].devices[D3DDEVTYPE_HAL] = c.caps;
-    CD3DInitialize base;
-    CMyD3DInit application;
-    ASSERT_EQ(base.Enumerate(&d3d), S_OK);
-    ASSERT_EQ(application.Enumerate(&d3d), S_OK);
-    EXPECT_EQ(AllOptions(base)[0]->m_vertexProcessingTypes, c.base);
-    EXPECT_EQ(AllOptions(application)[0]->m_vertexProcessingTypes, c.application);
-  }
-}
-
-// Full screen takes every interval the caps list, a window none beyond ONE;
-// DEFAULT is always there.
-TEST(Enumeration, PresentIntervalsFollowCapsAndWindowsStopAtOne) {
-  Fake d3d = Adapters();
-  d3d.adapters[0].backBufferFormats = {X8};
-  CMyD3DInit all;
-  ASSERT_EQ(all.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(AllOptions(all)[0]->m_presentIntervals,
-            (Intervals{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_ONE,
-                       D3DPRESENT_INTERVAL_TWO, D3DPRESENT_INTERVAL_THREE, D3DPRESENT_INTERVAL_FOUR}));
-  EXPECT_EQ(AllOptions(all)[1]->m_presentIntervals,
-            (Intervals{D3DPRESENT_INTERVAL_IMMEDIATE, D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_ONE}));
-  d3d.adapters[0].devices[D3DDEVTYPE_HAL].PresentationIntervals = D3DPRESENT_INTERVAL_TWO;
-  CMyD3DInit two;
-  ASSERT_EQ(two.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(AllOptions(two)[0]->m_presentIntervals, (Intervals{D3DPRESENT_INTERVAL_DEFAULT, D3DPRESENT_INTERVAL_TWO}));
-  EXPECT_EQ(AllOptions(two)[1]->m_presentIntervals, Intervals{D3DPRESENT_INTERVAL_DEFAULT});
+  EXPECT_EQ(AllOptions(init).size(), 2u) << "only X8 back buffers have a depth format";
 }
 
 }  // namespace

@@ -1,27 +1,52 @@
-// Message order: posted messages are FIFO, a quit comes after them and
-// before the next frame, scripted input arrives before its frame, and the
-// fixed-step clock advances once per frame.
+// The messages a record-only window gets: posted messages in order, then a
+// quit, and only then a frame; WM_SIZE at the first showing and inside
+// SetWindowPos, only for a new size, with the platform's packing.
 #include <gtest/gtest.h>
 
-#include "Win32TestSupport.h"
+#include <utility>
+#include <vector>
 
-using namespace win32test;
+#include "platform/win32/Win32Backend.h"
+#include "platform/win32/Win32Script.h"
 
 namespace {
 
-class MessageQueue : public ::testing::Test {
+using SizeMessages = std::vector<std::pair<WPARAM, LPARAM>>;
+
+SizeMessages& Sizes() {
+  static SizeMessages sizes;
+  return sizes;
+}
+
+LRESULT CALLBACK RecordSizes(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_SIZE) Sizes().emplace_back(wParam, lParam);
+  return DefWindowProcA(hWnd, message, wParam, lParam);
+}
+
+// The next message that PeekMessageA takes; message 0 when the queue is empty.
+MSG Take(UINT remove = PM_REMOVE) {
+  MSG msg{};
+  return PeekMessageA(&msg, nullptr, 0, 0, remove) ? msg : MSG{};
+}
+
+class WindowMessages : public ::testing::Test {
  protected:
   void SetUp() override {
-    StartScripted();
-    m_hWnd = MakeWindow();
+    win32::script::Enable({.realWindows = false});
+    Sizes().clear();
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = RecordSizes;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = "karvo-test";
+    RegisterClassA(&windowClass);  // 0 after the first test: the class stays
+    m_hWnd = CreateWindowExA(0, "karvo-test", "test", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 1200, 700,
+                             nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
   }
-  void TearDown() override {
-    if (IsWindow(m_hWnd)) DestroyWindow(m_hWnd);
-  }
+  void TearDown() override { DestroyWindow(m_hWnd); }
   HWND m_hWnd = nullptr;
 };
 
-TEST_F(MessageQueue, PostedMessagesComeInOrderThenQuitThenAFrame) {
+TEST_F(WindowMessages, PostedMessagesComeInOrderThenQuitThenAFrame) {
   PostMessageA(m_hWnd, WM_USER + 1, 0, 0);
   PostQuitMessage(7);
   PostMessageA(nullptr, WM_USER + 2, 0, 0);  // posted after the quit, still taken before it
@@ -36,37 +61,19 @@ TEST_F(MessageQueue, PostedMessagesComeInOrderThenQuitThenAFrame) {
   EXPECT_EQ(win32::script::FramesStarted(), 1u);
 }
 
-TEST_F(MessageQueue, ScriptedEventsArriveBeforeTheirFrame) {
-  win32::script::KeyDown(0, 'Z');
-  win32::script::PostAt(2, WM_USER + 5, 11, 22);
-  win32::script::KeyUp(2, 'Z');
-
-  std::vector<MSG> before0;
-  EXPECT_EQ(DrainUntilFrame(&before0), std::vector<UINT>{WM_KEYDOWN});  // frame 0 starts
-  EXPECT_EQ(before0.at(0).hwnd, m_hWnd);
-  EXPECT_TRUE(DrainUntilFrame().empty());  // frame 1: nothing scheduled
-  EXPECT_LT(GetKeyState('Z'), 0) << "a key stays held between its events";
-  EXPECT_EQ(DrainUntilFrame(), (std::vector<UINT>{WM_USER + 5, WM_KEYUP}));
-  EXPECT_EQ(GetKeyState('Z') & 0x8000, 0);
-}
-
-TEST_F(MessageQueue, FixedStepClockAdvancesOncePerFrameAndAFrameLimitAsksForQuit) {
-  LARGE_INTEGER frequency, before, after;
-  QueryPerformanceFrequency(&frequency);
-  QueryPerformanceCounter(&before);
-  const DWORD msBefore = timeGetTime();
-  DrainUntilFrame();
-  QueryPerformanceCounter(&after);
-  EXPECT_EQ(after.QuadPart - before.QuadPart, frequency.QuadPart / 60 + 1);  // 1/60 s, rounded
-  win32::script::SetFixedStep(0.25);
-  DrainUntilFrame();
-  DrainUntilFrame();
-  EXPECT_EQ(timeGetTime() - msBefore, 516u);  // 16.67 ms + 2 x 250 ms
-
-  win32::script::Enable({.realWindows = false, .maxFrames = 2});
-  DrainUntilFrame();
-  DrainUntilFrame();
-  EXPECT_EQ(DrainUntilFrame(), std::vector<UINT>{WM_QUIT});
+TEST_F(WindowMessages, WmSizeComesAtTheFirstShowingAndInsideSetWindowPosOnlyForANewSize) {
+  EXPECT_TRUE(Sizes().empty()) << "no WM_SIZE before the window is shown";
+  EXPECT_FALSE(ShowWindow(m_hWnd, SW_SHOW));
+  EXPECT_TRUE(ShowWindow(m_hWnd, SW_SHOW));  // the same size again tells nothing new
+  ASSERT_TRUE(SetWindowPos(m_hWnd, HWND_NOTOPMOST, 50, 50, 400, 400, SWP_SHOWWINDOW | SWP_NOACTIVATE));
+  SetWindowPos(m_hWnd, nullptr, 0, 0, 400, 400, SWP_NOZORDER);  // a move alone
+  ShowWindow(m_hWnd, SW_MINIMIZE);
+  EXPECT_TRUE(win32::IsMinimized(m_hWnd));
+  ShowWindow(m_hWnd, SW_RESTORE);
+  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(1200, 700)},
+                                   {SIZE_RESTORED, MAKELPARAM(400, 400)},
+                                   {SIZE_MINIMIZED, 0},
+                                   {SIZE_RESTORED, MAKELPARAM(400, 400)}}));
 }
 
 }  // namespace
