@@ -30,11 +30,19 @@ TEST(Placement, FirstTreeComesFromTheFirstDrawsOfTheSequence) {
   crt::srand(1);  // draws 41, 18467, 6334, 26500, ...
   terrain->PlaceTrees();
   const CPlantRecord& first = terrain->m_trees[0];
-  EXPECT_EQ(first.m_x, 410.0f);   // 41 % 1644 * 10
-  EXPECT_EQ(first.m_z, 3830.0f);  // 18467 % 1644 * 10
-  EXPECT_EQ(first.m_size, 434.0f);
-  EXPECT_EQ(first.m_kind, 1);  // 26500 is even
+  // 41 % 1644 * 10, 18467 % 1644 * 10, 6334 % 300 + 400; 26500 is even.
+  EXPECT_TRUE(first.m_x == 410 && first.m_z == 3830 && first.m_size == 434 && first.m_kind == 1);
   EXPECT_EQ(first.m_y, 912.0f - 50.0f);
+}
+
+TEST(Placement, WeedsRefuseGroundOfExactly770AndDrawAgain) {
+  // The first candidate, (410, 3830), on ground of 770; all else at 560.
+  auto terrain = std::make_unique<CTerrain>();
+  karvo_test::MakeMap(*terrain, 257, 257, [](std::uint32_t c, std::uint32_t r) { return std::uint8_t(c - 5 < 4 && r - 58 < 4 ? 55 : 40); });
+  terrain->m_scale.y = 14.0f;
+  crt::srand(1);  // 41, 18467, 6334 refused; then x from 26500, z from 19169
+  terrain->PlaceWeeds();
+  EXPECT_TRUE(terrain->m_weeds[0].m_x == 1960 && terrain->m_weeds[0].m_z == 10850);
 }
 
 TEST(Placement, TowerZonesAreOpenOnEverySide) {
