@@ -104,20 +104,16 @@ TEST(Pictures, SizesFormatsAndColourKeys) {
   for (const auto& row : pictures) {
     SCOPED_TRACE(row.name);
     const Picture p = LoadPicture(row.name);
-    EXPECT_EQ(p.width, row.width);
-    EXPECT_EQ(p.height, row.height);
-    EXPECT_EQ(p.channels, row.channels);
+    EXPECT_TRUE(p.width == row.width && p.height == row.height && p.channels == row.channels);
     if (row.key == kWhite) {
       EXPECT_EQ(p.Share([](const uint8_t* px) { return px[3] == 0 && (px[0] & px[1] & px[2]) != 255; }), 0.0)
           << "transparent pixels must be white so that the key clears them";
-      EXPECT_GT(p.Share([](const uint8_t* px) { return px[3] == 0; }), 0.05);
-      EXPECT_GT(p.Share([](const uint8_t* px) { return px[3] == 255; }), 0.05);
+      EXPECT_GT(std::min(p.Share([](const uint8_t* px) { return px[3] == 0; }),
+                         p.Share([](const uint8_t* px) { return px[3] == 255; })), 0.05);
     }
     if (row.key == kRain) {
       const auto key = [](const uint8_t* px) { return px[0] == 0 && px[1] == 0 && px[2] == 0xFF && px[3] == 0x64; };
-      ASSERT_TRUE(key(p.At(0, 0)));
-      EXPECT_GT(p.Share(key), 1.0 / 3);
-      EXPECT_LT(p.Share(key), 0.95);
+      EXPECT_TRUE(key(p.At(0, 0)) && p.Share(key) > 1.0 / 3 && p.Share(key) < 0.95);
       EXPECT_EQ(p.Share([&](const uint8_t* px) { return !key(px) && px[0] <= 100; }), 0.0)
           << "streak pixels are light, not a near miss of the key";
     }

@@ -45,15 +45,11 @@ TEST(SoundBank, AMissingFileEmptiesOnlyItsSlotAndAWrongVersionOnlyWarns) {
   fakebass::SetMissing("music\\breathe_short.mp3");
   fakebass::SetVersion(0x02030011);
   testing::internal::CaptureStderr();
-  {
-    App app;
-    EXPECT_EQ(app->m_soundBreathe.m_channel, 0u);
-    EXPECT_NE(app->m_soundClimb.m_channel, 0u);
-    EXPECT_EQ(fakebass::Loads().size(), 28u);
-    EXPECT_EQ(fakebass::GetChannelCalls(), 27) << "no channel is asked of a failed load";
-  }
+  App app;
   const std::string boxes = testing::internal::GetCapturedStderr();
   EXPECT_NE(boxes.find("Ошибка версии BASS."), std::string::npos) << boxes;
+  EXPECT_TRUE(app->m_soundBreathe.m_channel == 0u && app->m_soundClimb.m_channel != 0u);
+  EXPECT_EQ(fakebass::GetChannelCalls(), 27) << "no channel is asked of a failed load, the rest go on";
 }
 
 }  // namespace

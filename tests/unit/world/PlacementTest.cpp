@@ -73,13 +73,11 @@ TEST(Placement, GroundOfExactly900LeavesTreeAndFlowerSlotsAsTheyWereAfterThreeDr
   terrain->PlaceTrees();
   EXPECT_EQ(crt::randState(), expected);
   for (int i = 0; i < 999; ++i) ASSERT_EQ(terrain->m_trees[i].m_kind, i == 5 ? 3 : 0) << i;
-  EXPECT_EQ(terrain->m_trees[5].m_size, 450.0f);
-  EXPECT_EQ(terrain->m_treeCount, 1000);
   // The big tree takes no test.
   const CPlantRecord& big = terrain->m_trees[999];
   EXPECT_TRUE(big.m_kind == 2 && big.m_x == 1500.0f && big.m_z == 7000.0f && big.m_y == 850.0f);
   terrain->PlaceFlowers();
-  EXPECT_EQ(terrain->m_flowerCount, 300);
+  EXPECT_TRUE(terrain->m_treeCount == 1000 && terrain->m_flowerCount == 300);
   for (const CPlantRecord& flower : terrain->m_flowers) ASSERT_EQ(flower.m_kind, 0);
 }
 
