@@ -204,7 +204,6 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
     win32::script::Enable({.realWindows = false});
     AppUnderTest fresh;
     fresh->m_device = &device;
-    fresh->m_hWnd = hWnd;
     fresh->ResetGameState();
     const CPlayer& p = fresh->m_player;
     const D3DXVECTOR3 from = p.GetPosition();
@@ -213,8 +212,7 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
     const D3DXVECTOR3 to = p.GetPosition(), right = p.GetRight();
     fresh->m_device = nullptr;
     fresh->m_camera = nullptr;
-    const float side = (to.x - from.x) * right.x + (to.z - from.z) * right.z;
-    return std::vector<float>{to.x, to.y, to.z, p.GetPitch(), p.GetYaw(), side};
+    return std::vector<float>{to.x, to.y, to.z, p.GetPitch(), p.GetYaw(), (to - from).x * right.x + (to - from).z * right.z};
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);

@@ -48,10 +48,7 @@ TEST(Placement, WeedsRefuseGroundOfExactly770AndDrawAgain) {
 TEST(Placement, TowerZonesAreOpenOnEverySide) {
   auto terrain = MakeTerrain();
   // The first candidate inside the first zone's x span, on both sides of its z edges.
-  const struct {
-    int z;
-    bool placed;
-  } rows[] = {{2800, true}, {2810, false}, {5190, false}, {5200, true}};
+  const struct { int z; bool placed; } rows[] = {{2800, true}, {2810, false}, {5190, false}, {5200, true}};
   for (const auto& r : rows) {
     crt::srand(SeedFor(3000, r.z));
     terrain->m_trees[0] = {};
