@@ -40,15 +40,12 @@ using Clock = std::chrono::steady_clock;
 constexpr double kStep = 1.0 / 60.0;  // game seconds per frame, and the fastest pace
 
 struct Pacing {
-  double idle = 0.0;
-  double walk = 0.0;
+  double idle = 0.0, walk = 0.0;
   std::string audioFile;
-  Clock::time_point firstFrame;
+  Clock::time_point firstFrame, walkStart;
   std::uint32_t walkFrame = 0;  // the first frame with Up held; 0 until scheduled
-  Clock::time_point walkStart;
   bool ending = false;
-};
-Pacing s_pacing;
+} s_pacing;
 
 double SecondsSince(Clock::time_point t) {
   return std::chrono::duration<double>(Clock::now() - t).count();

@@ -1,14 +1,14 @@
 // Change Device in the whole program, in a process of its own (the world is
 // placed anew by every change): the dialog is played by the script. A change
-// to another multisample type or present interval with OK, one with Cancel,
-// then 100 changes while process memory and live GL objects are counted.
+// to another multisample type or present interval with OK, then 100 changes
+// while process memory and live GL objects are counted. (Cancel, by Escape,
+// is the dialog keys test's concern.)
 #include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
 
 #include "app/GameApp.h"
@@ -37,7 +37,7 @@ constexpr std::uint32_t kRepeats = 40;
 #else
 constexpr std::uint32_t kRepeats = 100;
 #endif
-constexpr std::uint32_t kOkAt = 4, kCancelAt = 6, kRepeatFrom = 8, kWarm = 10;
+constexpr std::uint32_t kOkAt = 4, kRepeatFrom = 8, kWarm = 10;
 
 // What the program showed around one change.
 struct Snapshot {
@@ -48,11 +48,7 @@ struct Snapshot {
 };
 
 Snapshot Take() {
-  Snapshot s{g_App.m_player.GetPosition(),
-             g_App.m_player.GetVelocity(),
-             {},
-             g_App.m_device,
-             g_App.m_settings};
+  Snapshot s{g_App.m_player.GetPosition(), g_App.m_player.GetVelocity(), {}, g_App.m_device, g_App.m_settings};
   void* data = nullptr;
   IDirect3DVertexBuffer9* buffer = g_App.m_bodyMesh.m_vertexBuffer;
   if (buffer && SUCCEEDED(buffer->Lock(0, 0, &data, D3DLOCK_READONLY))) {
@@ -64,7 +60,7 @@ Snapshot Take() {
 }
 
 struct Record {
-  Snapshot beforeOk, afterOk, beforeCancel, afterCancel;
+  Snapshot beforeOk, afterOk;
   int pickedList = 0;
   std::uint32_t dialogs = 0, presentsAfterOk = 0;
   // After each of the repeated changes, a frame later.
@@ -85,21 +81,17 @@ const Record& RunProgram() {
     options.maxFrames = kRepeatFrom + 2 * kRepeats + 20;
     win32::script::Enable(options);
     win32::script::Command(kOkAt, kChangeDevice);
-    win32::script::Command(kCancelAt, kChangeDevice);
     for (std::uint32_t i = 0; i < kRepeats; ++i)
       win32::script::Command(kRepeatFrom + 2 * i, kChangeDevice);
     win32::script::KeyDown(kRepeatFrom + 2 * kRepeats + 2, VK_ESCAPE);
     win32::script::SetDialogCallback([r](HWND dlg, std::uint32_t turn) {
       if (turn == 0) {
-        ++r->dialogs;
-        if (r->dialogs == 1) r->beforeOk = Take();
-        if (r->dialogs == 2) r->beforeCancel = Take();
+        if (++r->dialogs == 1) r->beforeOk = Take();
         const int picked = test_support::PickAnother(dlg, {IDC_MULTISAMPLE_TYPE_COMBO, IDC_PRESENTINTERVAL_COMBO});
-        if (picked == 0) return false;
         if (r->dialogs == 1) r->pickedList = picked;
-        return true;
+        return picked != 0;
       }
-      win32::UserClick(GetDlgItem(dlg, r->dialogs == 2 ? IDCANCEL : IDOK));
+      win32::UserClick(GetDlgItem(dlg, IDOK));
       return true;
     });
     win32::script::SetFrameCallback([r](std::uint32_t frame) {
@@ -107,7 +99,6 @@ const Record& RunProgram() {
       if (frame == kOkAt) r->afterOk = Take();
       if (frame == kOkAt + 2 && d3d9gl::GetFrameStats(g_App.m_device, stats))
         r->presentsAfterOk = stats.presents;
-      if (frame == kCancelAt) r->afterCancel = Take();
       // Counted a frame after a change, with the new device's context current.
       if (frame > kRepeatFrom && frame <= kRepeatFrom + 2 * kRepeats &&
           (frame - kRepeatFrom) % 2 == 1) {
@@ -130,45 +121,28 @@ TEST(DeviceChange, OkRebuildsTheWorldOnANewDeviceAndTheGameStateStays) {
   ASSERT_NE(r.pickedList, 0) << "the machine offers one multisample type and one present interval";
   const CD3DDisplaySettings& before = r.beforeOk.settings.GetCurrentSettings();
   const CD3DDisplaySettings& after = r.afterOk.settings.GetCurrentSettings();
-  if (r.pickedList == IDC_MULTISAMPLE_TYPE_COMBO) {
-    EXPECT_NE(after.m_multiSampleType, before.m_multiSampleType);
-  } else {
-    EXPECT_NE(after.m_presentInterval, before.m_presentInterval);
-  }
+  EXPECT_TRUE(r.pickedList == IDC_MULTISAMPLE_TYPE_COMBO ? after.m_multiSampleType != before.m_multiSampleType
+                                                         : after.m_presentInterval != before.m_presentInterval);
   EXPECT_NE(r.afterOk.device, r.beforeOk.device);
   EXPECT_EQ(g_App.m_device, nullptr);  // released at the end of the run
   EXPECT_EQ(r.afterOk.bodyColours.size(), 8u);
   EXPECT_NE(r.afterOk.bodyColours, r.beforeOk.bodyColours);
-  EXPECT_EQ(r.afterOk.position, r.beforeOk.position);
-  EXPECT_EQ(r.afterOk.velocity, r.beforeOk.velocity);
+  EXPECT_TRUE(r.afterOk.position == r.beforeOk.position && r.afterOk.velocity == r.beforeOk.velocity);
   EXPECT_GE(r.presentsAfterOk, 1u);
   EXPECT_EQ(r.exitCode, 0);
 }
 
-TEST(DeviceChange, CancelChangesNothing) {
-  const Record& r = RunProgram();
-  EXPECT_EQ(r.afterCancel.device, r.beforeCancel.device);
-  EXPECT_EQ(r.afterCancel.bodyColours, r.beforeCancel.bodyColours);
-  EXPECT_EQ(std::memcmp(&r.afterCancel.settings, &r.beforeCancel.settings, sizeof(CD3DSettings)),
-            0);
-}
-
 TEST(DeviceChange, AHundredChangesKeepMemoryAndGlObjectsFlat) {
   const Record& r = RunProgram();
-  EXPECT_EQ(r.dialogs, kRepeats + 2);
+  EXPECT_EQ(r.dialogs, kRepeats + 1);
   ASSERT_EQ(r.samples.size(), kRepeats);
   for (std::size_t i = 0; i < r.samples.size(); ++i) {
     const auto& [heap, gl, samples] = r.samples[i];
     if (i % 30 == kWarm - 1 || i + 2 >= kRepeats)
-      std::printf(
-          "after %3zu changes (%s): heap %ld KiB; GL textures %d, buffers %d, framebuffers "
-          "%d, renderbuffers %d, vertex arrays %d, programs %d, shaders %d\n",
-          i + 1, MultiSampleTypeName(samples), heap, gl[0], gl[1], gl[2], gl[3], gl[4], gl[5],
-          gl[6]);
+      std::printf("after %3zu changes (%s): heap %ld KiB; GL textures %d, buffers %d, programs %d\n", i + 1,
+                  MultiSampleTypeName(samples), heap, gl[0], gl[1], gl[5]);
     // The same settings as after the warm-up change of the same parity: the same objects.
-    if (i >= kWarm) {
-      EXPECT_EQ(gl, r.samples[kWarm - 2 + i % 2].gl) << "after change " << i + 1;
-    }
+    EXPECT_EQ(gl, r.samples[i < kWarm ? i : kWarm - 2 + i % 2].gl) << "after change " << i + 1;
   }
   // A world left behind would be megabytes each time.
   EXPECT_LT(r.samples.back().heapKiB - r.samples[kWarm - 2 + (kRepeats - 1) % 2].heapKiB, 8 * 1024);

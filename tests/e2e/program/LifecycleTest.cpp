@@ -35,10 +35,8 @@ TEST(Lifecycle, TitleKeepsTheStartTextUntilTheFirstRateThenShowsRateXZAndHeight)
     if (run.frames[i].title != kStartTitle) first = i;
   ASSERT_NE(first, 0u) << "the title never changed";
   for (std::size_t i = 0; i < first; ++i) EXPECT_EQ(run.frames[i].frameRate, 0u) << "frame " << i;
-  const FrameRecord& before = run.frames[first - 1];
-  const FrameRecord& after = run.frames[first];
-  EXPECT_GE(before.frame, 58u);
-  EXPECT_LE(before.frame, 64u);
+  const FrameRecord &before = run.frames[first - 1], &after = run.frames[first];
+  EXPECT_TRUE(before.frame >= 58u && before.frame <= 64u) << before.frame;
   // Every tick so far counts, frames 0 to before.frame; the title shows the
   // position the frame started with (the end of the one before).
   const D3DXVECTOR3& p = before.position;
@@ -47,14 +45,11 @@ TEST(Lifecycle, TitleKeepsTheStartTextUntilTheFirstRateThenShowsRateXZAndHeight)
 
   // From then on the title changes exactly when the whole-number rate does.
   for (std::size_t i = first + 1; i < run.frames.size(); ++i) {
-    const FrameRecord& previous = run.frames[i - 1];
-    const FrameRecord& current = run.frames[i];
-    if (current.frameRate == previous.frameRate) {
-      EXPECT_EQ(current.title, previous.title) << "frame " << previous.frame;
-    } else {
-      EXPECT_EQ(current.title, ExpectedTitle(current.frameRate, previous.position))
-          << "frame " << previous.frame;
-    }
+    const FrameRecord &previous = run.frames[i - 1], &current = run.frames[i];
+    EXPECT_EQ(current.title, current.frameRate == previous.frameRate
+                                 ? previous.title
+                                 : ExpectedTitle(current.frameRate, previous.position))
+        << "frame " << previous.frame;
   }
 }
 
@@ -71,8 +66,7 @@ TEST(Lifecycle, MessagesGoBeforeFramesAndEscapeEndsTheLoopBeforeTheNextFrame) {
   // One frame between two boundaries, never more, however many key
   // messages were dispatched there; a frame of a lost device presents nothing.
   for (std::size_t i = 1; i < run.frames.size(); ++i) {
-    const FrameRecord& previous = run.frames[i - 1];
-    const FrameRecord& current = run.frames[i];
+    const FrameRecord &previous = run.frames[i - 1], &current = run.frames[i];
     ASSERT_EQ(current.frame, previous.frame + 1);
     const bool lost = previous.frame >= kLossAt && previous.frame < kResetAllowedAt;
     EXPECT_EQ(current.presents - previous.presents, lost ? 0u : 1u) << "frame " << previous.frame;
@@ -82,10 +76,7 @@ TEST(Lifecycle, MessagesGoBeforeFramesAndEscapeEndsTheLoopBeforeTheNextFrame) {
 TEST(Lifecycle, NormalEndGivesZeroAndShutdownLeavesNothingBehind) {
   const ProgramRun& run = ProgramRun::Get();
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_TRUE(run.deviceReleased);
-  EXPECT_TRUE(run.direct3DReleased);
-  EXPECT_TRUE(run.windowHandleCleared);
-  EXPECT_TRUE(run.windowGone);
+  EXPECT_TRUE(run.deviceReleased && run.direct3DReleased && run.windowHandleCleared && run.windowGone);
   EXPECT_TRUE(run.terrainReleased);
   EXPECT_TRUE(run.shutdownAgain);  // a second Shutdown finds nothing to do and still succeeds
 }

@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "app/GameApp.h"
-#include "device/MyD3DInit.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
 #include "platform/win32/Win32Script.h"
@@ -21,9 +20,7 @@ __attribute__((constructor(101))) void ChooseQuietAudio() {
   setenv("SDL_AUDIODRIVER", "dummy", 0);
 }
 
-constexpr BYTE kKeyJ = 0x4A;
-constexpr BYTE kKeyX = 0x58;
-constexpr float kWaterLevel = 864.0f;
+constexpr BYTE kKeyJ = 0x4A, kKeyX = 0x58;
 
 Picture ReadPicture() {
   Picture picture;
@@ -66,14 +63,21 @@ void ProgramRun::Run() {
   script.realWindows = true;
   script.maxFrames = kWalkFrom + kWalkFrames + kSeaFrameLimit + 50;  // a backstop only
   win32::script::Enable(script);
-  win32::script::KeyDown(kLiftFrom, kKeyJ);
-  win32::script::KeyDown(kLiftFrom, kKeyX);
-  win32::script::KeyUp(kLiftUntil, kKeyJ);
-  win32::script::KeyUp(kLiftUntil, kKeyX);
+  for (BYTE key : {kKeyJ, kKeyX}) {
+    win32::script::KeyDown(kLiftFrom, key);
+    win32::script::KeyUp(kLiftUntil, key);
+  }
   win32::script::KeyDown(kLostUpFrom, VK_UP);
   win32::script::KeyUp(kResetAllowedAt, VK_UP);
   win32::script::KeyDown(kWalkFrom, VK_UP);
-  win32::script::SetFrameCallback([this](std::uint32_t frame) { OnFrame(frame); });
+  win32::script::SetFrameCallback([this](std::uint32_t frame) {
+    if (frame == 0) {
+      RecordStart();
+      enumerateResult = enumeration->Enumerate(g_App.m_d3d);
+    }
+    Record(frame);
+    Plan(frame);
+  });
 
   exitCode = WinMain(GetModuleHandleA(nullptr), nullptr, const_cast<LPSTR>(""), SW_SHOWDEFAULT);
 
@@ -89,15 +93,6 @@ void ProgramRun::Run() {
                     g_App.m_terrain.m_blockMeshes == nullptr && g_App.m_terrain.m_device == nullptr;
   shutdownAgain = g_App.Shutdown();
   win32::script::Disable();
-}
-
-void ProgramRun::OnFrame(std::uint32_t frame) {
-  if (frame == 0) {
-    RecordStart();
-    RecordEnumeration();
-  }
-  Record(frame);
-  Plan(frame);
 }
 
 void ProgramRun::RecordStart() {
@@ -123,51 +118,14 @@ void ProgramRun::RecordStart() {
   backBufferHeight = first.height;
 }
 
-void ProgramRun::RecordEnumeration() {
-  CMyD3DInit initialize;
-  enumerateResult = initialize.Enumerate(g_App.m_d3d);
-  adapterCount = initialize.GetAdapterCount();
-  const CD3DAdapterRecord* adapter = initialize.GetAdapter(0);
-  if (!adapter) return;
-  firstAdapterModes = adapter->m_modes;
-  firstAdapterDevices = adapter->m_devices.size();
-  for (const CD3DDeviceRecord* device : adapter->m_devices) {
-    for (const CD3DOptionRecord* option : device->m_options) {
-      OptionSummary summary;
-      summary.deviceType = option->m_deviceType;
-      summary.adapterFormat = option->m_adapterFormat;
-      summary.backBufferFormat = option->m_backBufferFormat;
-      summary.windowed = option->m_windowed;
-      summary.depthFormats = option->m_depthFormats.size();
-      summary.multiSampleTypes = option->m_multiSampleTypes.size();
-      summary.multiSampleQualities = option->m_multiSampleQualities.size();
-      for (VERTEXPROCESSING_TYPE type : option->m_vertexProcessingTypes)
-        summary.vertexProcessing.push_back(type);
-      summary.presentIntervals = option->m_presentIntervals;
-      options.push_back(summary);
-    }
-  }
-}
-
 void ProgramRun::Record(std::uint32_t frame) {
-  const CPlayer& player = g_App.m_player;
-  FrameRecord record;
-  record.frame = frame;
-  record.position = player.GetPosition();
-  record.velocity = player.GetVelocity();
-  record.gravity = player.GetGravity();
-  record.friction = player.GetFriction();
-  record.maxVelocityXZ = player.GetMaxVelocityXZ();
-  record.maxVelocityY = player.GetMaxVelocityY();
-  record.timeElapsed = g_App.m_timer.GetTimeElapsed();
-  record.ground = GroundAt(record.position.x, record.position.z);
-  record.cameraMode = player.GetCameraMode();
-  record.deviceLost = g_App.m_deviceLost;
-  record.presents = Presents();
-  record.frameRate = g_App.m_timer.GetFrameRate(nullptr);
+  const CPlayer& p = g_App.m_player;
   char title[256] = {};
   GetWindowTextA(g_App.m_hWnd, title, sizeof title);
-  record.title = title;
+  const FrameRecord record{frame, p.GetPosition(), p.GetVelocity(), p.GetGravity(), p.GetFriction(),
+                           p.GetMaxVelocityXZ(), p.GetMaxVelocityY(), g_App.m_timer.GetTimeElapsed(),
+                           GroundAt(p.GetPosition().x, p.GetPosition().z),
+                           g_App.m_deviceLost, Presents(), g_App.m_timer.GetFrameRate(nullptr), title};
   if (frame == 0) startTitle = record.title;
   frames.push_back(record);
 }

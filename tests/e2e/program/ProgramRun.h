@@ -19,10 +19,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "device/D3DSettings.h"
+#include "device/MyD3DInit.h"
 #include "platform/d3d9/d3d9.h"
 #include "platform/d3dx9/d3dx9.h"
 #include "platform/win32/windows.h"
@@ -32,57 +34,33 @@ namespace program_test {
 
 // Frames of the script.
 constexpr std::uint32_t kShrinkAt = 1;
-constexpr int kSmallWidth = 480;
-constexpr int kSmallHeight = 320;
-constexpr std::uint32_t kLiftFrom = 2;
-constexpr std::uint32_t kLiftUntil = 10;  // first frame without J and X
-constexpr std::uint32_t kLossAt = 56;     // the device is made lost before this frame
-constexpr std::uint32_t kLostUpFrom = 58;
-constexpr std::uint32_t kResetAllowedAt = 61;
-constexpr std::uint32_t kRestoreAt = 62;  // the window gets its former size back before this frame
-constexpr std::uint32_t kAfterAt = 63;    // the frame drawn after the restore is read here
-constexpr std::uint32_t kWalkFrom = 66;
-constexpr std::uint32_t kWalkFrames = 120;
+constexpr int kSmallWidth = 480, kSmallHeight = 320;
+constexpr std::uint32_t kLiftFrom = 2, kLiftUntil = 10;  // kLiftUntil: the first frame without J and X
+// The device is made lost before kLossAt; the window gets its former size
+// back before kRestoreAt, and the frame drawn after that is read at kAfterAt.
+constexpr std::uint32_t kLossAt = 56, kLostUpFrom = 58, kResetAllowedAt = 61, kRestoreAt = 62, kAfterAt = 63;
+constexpr std::uint32_t kWalkFrom = 66, kWalkFrames = 120;
 constexpr double kSeaStep = 0.5;
 constexpr std::uint32_t kSwimFramesBeforeEnd = 3;
 constexpr std::uint32_t kSeaFrameLimit = 400;  // frames after the walk to find the sea in
+constexpr float kWaterLevel = 864.0f;
 
 // What the program's state was at the boundary before a frame ran.
 struct FrameRecord {
   std::uint32_t frame = 0;  // the frame about to run
-  D3DXVECTOR3 position;
-  D3DXVECTOR3 velocity;
-  D3DXVECTOR3 gravity;
-  float friction = 0.0f;
-  float maxVelocityXZ = 0.0f;
-  float maxVelocityY = 0.0f;
+  D3DXVECTOR3 position, velocity, gravity;
+  float friction = 0.0f, maxVelocityXZ = 0.0f, maxVelocityY = 0.0f;
   float timeElapsed = 0.0f;
   float ground = 0.0f;  // GetHeight under the body, with the row's parity
-  std::uint32_t cameraMode = 0;
   bool deviceLost = false;
-  std::uint32_t presents = 0;  // successful Present calls so far
-  std::uint32_t frameRate = 0;
+  std::uint32_t presents = 0, frameRate = 0;  // presents: successful Present calls so far
   std::string title;
 };
 
 // A back buffer as read back: D3DCOLOR words, top row first.
 struct Picture {
-  UINT width = 0;
-  UINT height = 0;
+  UINT width = 0, height = 0;
   std::vector<std::uint32_t> argb;
-};
-
-// One option of the enumeration, as plain values.
-struct OptionSummary {
-  D3DDEVTYPE deviceType{};
-  D3DFORMAT adapterFormat{};
-  D3DFORMAT backBufferFormat{};
-  bool windowed = false;
-  std::size_t depthFormats = 0;
-  std::size_t multiSampleTypes = 0;
-  std::size_t multiSampleQualities = 0;
-  std::vector<std::uint32_t> vertexProcessing;
-  std::vector<std::uint32_t> presentIntervals;
 };
 
 class ProgramRun {
@@ -93,39 +71,29 @@ class ProgramRun {
   // ---- the start, read before frame 0 ----
   std::uint32_t startCameraMode = 0;
   D3DXVECTOR3 startPosition;
-  float startPitch = 0.0f;
-  float startYaw = 0.0f;
+  float startPitch = 0.0f, startYaw = 0.0f;
   std::string startTitle;
-  RECT windowRect{};
-  RECT clientRect{};
-  int sdlWidth = 0;  // the real window's size
-  int sdlHeight = 0;
-  bool sdlShown = false;
+  RECT windowRect{}, clientRect{};
+  int sdlWidth = 0, sdlHeight = 0;  // the real window's size
+  bool sdlShown = false, windowVisible = false;
   int menuBarHeight = 0;
-  bool windowVisible = false;
-  std::uint32_t viewWidth = 0;
-  std::uint32_t viewHeight = 0;
-  UINT backBufferWidth = 0;
-  UINT backBufferHeight = 0;
+  std::uint32_t viewWidth = 0, viewHeight = 0;
+  UINT backBufferWidth = 0, backBufferHeight = 0;
   D3DDISPLAYMODE desktopMode{};
   CD3DSettings settings{};
 
-  // ---- the enumeration of the real Direct3D object ----
+  // ---- the enumeration of the real Direct3D object, kept whole ----
   HRESULT enumerateResult = E_FAIL;
-  std::uint32_t adapterCount = 0;
-  std::vector<D3DDISPLAYMODE> firstAdapterModes;
-  std::size_t firstAdapterDevices = 0;
-  std::vector<OptionSummary> options;  // of every device of the first adapter
+  std::shared_ptr<CMyD3DInit> enumeration = std::make_shared<CMyD3DInit>();
 
   // ---- the lost device ----
-  Picture beforeLoss;             // the last frame drawn before the loss
-  Picture afterReset;             // the first frame drawn after the reset, in the reset's window
-  Picture afterRestore;           // the frame drawn once the window has its size back
-  RECT smallWindowRect{};         // the window as the user made it small
-  HRESULT levelWhileLost = S_OK;  // TestCooperativeLevel while no reset is possible
-  HRESULT levelOnceAllowed = S_OK;
-  RECT windowAfterReset{};
-  RECT clientAfterReset{};
+  // The last frame drawn before the loss, the first after the reset (in the
+  // reset's window) and the one drawn once the window has its size back.
+  Picture beforeLoss, afterReset, afterRestore;
+  RECT smallWindowRect{};  // the window as the user made it small
+  RECT windowAfterReset{}, clientAfterReset{};
+  // TestCooperativeLevel while no reset is possible, then once it is.
+  HRESULT levelWhileLost = S_OK, levelOnceAllowed = S_OK;
 
   // ---- the whole run ----
   std::vector<FrameRecord> frames;  // one per frame boundary, in order
@@ -136,12 +104,8 @@ class ProgramRun {
   std::vector<std::string> problems;  // what kept the script from its plan
 
   // ---- after WinMain returned ----
-  bool deviceReleased = false;
-  bool direct3DReleased = false;
-  bool windowHandleCleared = false;
-  bool windowGone = false;
-  bool terrainReleased = false;
-  bool shutdownAgain = false;
+  bool deviceReleased = false, direct3DReleased = false, windowHandleCleared = false;
+  bool windowGone = false, terrainReleased = false, shutdownAgain = false;
 
   // The record of the boundary before `frame`; null when none was seen.
   const FrameRecord* At(std::uint32_t frame) const;
@@ -149,9 +113,7 @@ class ProgramRun {
  private:
   ProgramRun() = default;
   void Run();
-  void OnFrame(std::uint32_t frame);
   void RecordStart();
-  void RecordEnumeration();
   void Record(std::uint32_t frame);
   void Plan(std::uint32_t frame);
 

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "ProgramRun.h"
 
 namespace program_test {
 namespace {
 
-constexpr float kWaterLevel = 864.0f;
 // The body's box reaches 2.0 below its position: it stands that high.
 constexpr float kStandHeight = 2.0f;
 // Setting a position goes through a float difference and sum, which may land
@@ -37,21 +37,16 @@ bool AtRest(const FrameRecord& r) {
 TEST(Walk, StartValuesThenTheFirstFrameSetsTheBodyOnTheGround) {
   const ProgramRun& run = ProgramRun::Get();
   EXPECT_EQ(run.startPosition, D3DXVECTOR3(1500.0f, 400.0f, 1500.0f));
-  EXPECT_EQ(run.startPitch, 25.0f);
-  EXPECT_EQ(run.startYaw, 45.0f);
-  EXPECT_EQ(run.startCameraMode, 1u);
+  EXPECT_EQ(std::make_tuple(run.startPitch, run.startYaw, run.startCameraMode), std::make_tuple(25.0f, 45.0f, 1u));
 
   // The meadow at the start lies above 400, so the first frame's clamp lifts
   // the body onto it; it stays there, at rest, with the walking values.
   for (std::uint32_t frame = 1; frame <= kLiftFrom; ++frame) {
     const FrameRecord* r = run.At(frame);
     ASSERT_NE(r, nullptr);
-    EXPECT_EQ(r->position.x, 1500.0f);
-    EXPECT_EQ(r->position.z, 1500.0f);
-    EXPECT_GT(r->ground, 400.0f);
-    EXPECT_TRUE(AtRest(*r)) << "frame " << frame << ": y " << r->position.y << ", ground "
-                            << r->ground;
-    EXPECT_TRUE(Walking(*r)) << "frame " << frame;
+    EXPECT_TRUE(r->position.x == 1500.0f && r->position.z == 1500.0f && r->ground > 400.0f && AtRest(*r) &&
+                Walking(*r))
+        << "frame " << frame << ": y " << r->position.y << ", ground " << r->ground;
   }
 }
 
@@ -59,8 +54,7 @@ TEST(Walk, AfterALiftTheBodyFallsAndComesToRestAtGroundPlusTwo) {
   const ProgramRun& run = ProgramRun::Get();
   const FrameRecord* top = run.At(kLiftUntil);
   ASSERT_NE(top, nullptr);
-  EXPECT_GT(top->position.y,
-            top->ground + kStandHeight + 40.0f);  // eight frames of 7 units, less the pull
+  EXPECT_GT(top->position.y, top->ground + kStandHeight + 40.0f);  // eight frames of 7 units, less the pull
 
   // The fall: lower every frame until it lands, then at rest on the ground.
   std::uint32_t landed = 0;
@@ -107,19 +101,15 @@ TEST(Walk, TheWalkFollowsTheGroundAndTheSeaSwitchesToSwimming) {
     // gravity brings it back, and at 50 units a second on these slopes that
     // gap stays far below a unit. In the sea it sinks slowly, at 60 at most.
     EXPECT_GE(r.position.y, r.ground + kStandHeight - kRestTolerance) << "frame " << r.frame;
-    if (r.ground + kStandHeight >= kWaterLevel) {
-      EXPECT_LE(r.position.y, r.ground + kStandHeight + 1.0f) << "frame " << r.frame;
-    }
+    const bool land = r.ground + kStandHeight >= kWaterLevel;
+    EXPECT_LE(r.position.y, land ? r.ground + kStandHeight + 1.0f : 1e9f) << "frame " << r.frame;
     highest = std::max(highest, r.ground);
     lowest = std::min(lowest, r.ground);
 
     // The values follow the height of the frame just ended, in first person.
-    if (r.position.y >= kWaterLevel) {
-      EXPECT_TRUE(Walking(r)) << "frame " << r.frame << " at " << r.position.y;
-    } else {
-      EXPECT_TRUE(Swimming(r)) << "frame " << r.frame << " at " << r.position.y;
-      if (firstSwimming == 0) firstSwimming = r.frame;
-    }
+    const bool water = r.position.y < kWaterLevel;
+    EXPECT_TRUE(water ? Swimming(r) : Walking(r)) << "frame " << r.frame << " at " << r.position.y;
+    if (water && firstSwimming == 0) firstSwimming = r.frame;
   }
   // The way went over ground that rises and falls by far more than a step.
   EXPECT_GT(highest - lowest, 100.0f);

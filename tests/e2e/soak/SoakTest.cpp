@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "app/GameApp.h"
@@ -44,8 +45,7 @@ constexpr UINT kCommands[] = {40011, 40012, 40010, 40014, 40013, 40022,   // cam
                               40028, 40029, 40030, 40023, 40022, 40028};  // render mode
 
 struct Holdings {
-  long residentKiB = 0;
-  long openFiles = 0;
+  long residentKiB = 0, openFiles = 0;
 };
 
 // GL objects at the end of each cycle. The device changes once a cycle and
@@ -60,10 +60,7 @@ struct GlCensus {
 Holdings Measure() {
   Holdings h;
   long pages = 0, resident = 0;
-  if (std::FILE* statm = std::fopen("/proc/self/statm", "r")) {
-    if (std::fscanf(statm, "%ld %ld", &pages, &resident) != 2) resident = 0;
-    std::fclose(statm);
-  }
+  std::ifstream("/proc/self/statm") >> pages >> resident;
   h.residentKiB = resident * (sysconf(_SC_PAGESIZE) / 1024);
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) h.openFiles += entry.exists() ? 1 : 0;
   return h;
@@ -83,10 +80,7 @@ void Plan(std::uint32_t frame, Holdings& early, GlCensus& gl) {
     case 20: script::SetFixedStep(0.25); break;  // far and fast: into the sea and under it
     case 30: script::HoldKeys(next, {VK_UP, kKeyS}); break;
     case 40: script::HoldKeys(next, {VK_DOWN}); break;
-    case 50:
-      script::HoldKeys(next, {});
-      script::SetFixedStep(1.0 / 60.0);
-      break;
+    case 50: script::HoldKeys(next, {}); script::SetFixedStep(1.0 / 60.0); break;
     case 52:
       for (std::uint32_t i = 0; i < 6; ++i) script::Command(next, kCommands[(c * 6 + i) % std::size(kCommands)]);
       break;
@@ -97,12 +91,8 @@ void Plan(std::uint32_t frame, Holdings& early, GlCensus& gl) {
     case 80: script::HoldKeys(next, {VK_SHIFT, VK_RETURN}); break;
     case 76:
     case 81: script::HoldKeys(next, {}); break;
-    case 85:
-      if (g_App.m_device) d3d9gl::SimulateDeviceLost(g_App.m_device, false);
-      break;
-    case 88:
-      if (g_App.m_device) d3d9gl::AllowReset(g_App.m_device);
-      break;
+    case 85: if (g_App.m_device) d3d9gl::SimulateDeviceLost(g_App.m_device, false); break;
+    case 88: if (g_App.m_device) d3d9gl::AllowReset(g_App.m_device); break;
     case 90: script::Command(next, kChangeDevice); break;
     case kCycle - 1: {
       // Full screen and small windows take turns, so resident memory swings
