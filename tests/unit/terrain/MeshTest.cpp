@@ -1,5 +1,5 @@
-// CMesh: the upload into managed write-only buffers, the bounding box rules
-// and the replacement of old buffers by a new build.
+// CMesh: the upload into managed write-only buffers and the bounding box
+// rules.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -22,7 +22,7 @@ void Fill(CMesh& mesh, std::initializer_list<CVertex> vertices) {
   for (std::uint16_t i = 0; i < vertices.size(); ++i) mesh.m_indices[i] = i;
 }
 
-TEST(Mesh, BuildUploadsComputesTheBoxAndReleasesTheArrays) {
+TEST(Mesh, BuildUploadsComputesTheBoxFromThePositionsAndReleasesTheArrays) {
   RecordingDevice device;
   CMesh mesh;
   const CVertex vertex1(-4, 5, 0.5f, 0);
@@ -36,18 +36,7 @@ TEST(Mesh, BuildUploadsComputesTheBoxAndReleasesTheArrays) {
   EXPECT_EQ(vb->Usage(), DWORD(D3DUSAGE_WRITEONLY | D3DUSAGE_SOFTWAREPROCESSING));
   EXPECT_EQ(std::memcmp(vb->Bytes().data() + sizeof(CVertex), &vertex1, sizeof(CVertex)), 0);
 
-  // Building twice without releasing the arrays replaces the old buffers.
-  CMesh same;
-  Fill(same, {CVertex(7, 8, 9, 0), CVertex(7, 8, 9, 0)});
-  ASSERT_EQ(same.BuildBuffers(&device, true, false), D3D_OK);
-  ASSERT_EQ(same.BuildBuffers(&device, true, false), D3D_OK);
-  EXPECT_EQ(device.LiveResources(), 4);
-  EXPECT_EQ(same.m_boundsMin, same.m_boundsMax);
-  EXPECT_EQ(AsFake(same.m_vertexBuffer)->Usage(), DWORD(D3DUSAGE_WRITEONLY));
-}
-
-TEST(Mesh, ALayoutWithoutAPositionLeavesTheBoxAlone) {
-  RecordingDevice device;
+  // A layout without a position at its front leaves the box alone.
   CMesh noPosition;
   noPosition.m_boundsMax = D3DXVECTOR3(1, 1, 1);
   Fill(noPosition, {CVertex(50, 50, 50, 0)});

@@ -117,13 +117,4 @@ TEST_F(Blocks, NeighboursShareEdgeVerticesAndTheHeightQueryStandsOnTheDrawnTrian
   EXPECT_GT(checked, 300);
 }
 
-TEST_F(Blocks, FailedBufferEndsTheBuildBeforeThePlacing) {
-  MakeMap(*terrain, 257, 257, Flat);
-  terrain->SetDevice(&device, false);
-  ASSERT_EQ(terrain->AddBlockMeshes(49), 0);
-  device.createsBeforeFailure = 6;  // three blocks built, the fourth fails
-  EXPECT_FALSE(terrain->BuildBlockMeshes());
-  EXPECT_EQ(terrain->m_treeCount, 0);
-}
-
 }  // namespace
