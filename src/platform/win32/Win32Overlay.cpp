@@ -178,9 +178,7 @@ void EnsureContext() {
   io.Fonts->AddFontDefault(&font);
   io.Fonts->Build();
   io.FontGlobalScale = 1.0f / scale.pixels;
-  // The bar is one frame of the default font high; the layer's client areas
-  // follow that height.
-  win32::SetMenuBarHeight(win32::MenuBarHeightFor(scale));
+  // The bar's height, one frame of this font, was set with the first window.
   win32::SetEventHook(&Hook, nullptr);
 }
 
