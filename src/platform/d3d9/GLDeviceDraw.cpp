@@ -120,6 +120,11 @@ void GLDevice::BindTexture(GLuint unit, GLuint name) {
   boundTextures_[unit] = name;
 }
 
+void GLDevice::BindForDrawing(GLuint unit, GLTexture* texture) {
+  texture->DefineZeroLevels();
+  BindTexture(unit, texture->name());
+}
+
 void GLDevice::ForgetTexture(GLuint name) {
   for (GLuint& b : boundTextures_)
     if (b == name) b = 0;  // GL unbinds a deleted texture from every unit
@@ -235,11 +240,11 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
   if (key.stages[0].hasTexture) {
     GLuint units = key.slots > 1 ? key.slots : 1;
     ApplySampler(0, 0, units);
-    for (GLuint i = 0; i < units; ++i) BindTexture(i, static_cast<GLTexture*>(stage0[i])->name());
+    for (GLuint i = 0; i < units; ++i) BindForDrawing(i, static_cast<GLTexture*>(stage0[i]));
   }
   if (key.stages[1].hasTexture) {
     ApplySampler(1, kStage1Unit, 1);
-    BindTexture(kStage1Unit, static_cast<GLTexture*>(textures_[1])->name());
+    BindForDrawing(kStage1Unit, static_cast<GLTexture*>(textures_[1]));
   }
   return true;
 }

@@ -11,8 +11,12 @@ namespace {
 
 const TextureFormat kTextureFormats[] = {
     // format            internal                           data      type                             bytes compr. opaque
-    {D3DFMT_A8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_BYTE, 4, false, false},
-    {D3DFMT_X8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_BYTE, 4, false, true},
+    // The 32-bit formats name no size: Mesa then stores them as B, G, R, A
+    // bytes, the layout of the data, so uploads and read-backs are plain
+    // copies; a sized GL_RGBA8 is stored R, G, B, A and every upload of a
+    // picture swapped bytes texel by texel.
+    {D3DFMT_A8R8G8B8, GL_RGBA, GL_BGRA, GL_UNSIGNED_BYTE, 4, false, false},
+    {D3DFMT_X8R8G8B8, GL_RGBA, GL_BGRA, GL_UNSIGNED_BYTE, 4, false, true},
     {D3DFMT_R5G6B5, GL_RGB8, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, 2, false, true},
     {D3DFMT_X1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, 2, false, true},
     {D3DFMT_A1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, 2, false, false},

@@ -35,6 +35,8 @@ class GLTexture final : public IDirect3DTexture9 {
   GLuint name() const { return name_; }
   const std::shared_ptr<GLCore>& core() const { return core_; }
   D3DPOOL pool() const { return pool_; }
+  // Before a draw samples it: levels never written get their zero texels in GL.
+  void DefineZeroLevels();
 
  private:
   struct Level {
@@ -42,7 +44,7 @@ class GLTexture final : public IDirect3DTexture9 {
     std::vector<std::uint8_t> data;
     bool locked = false;
     bool readOnly = false;
-    bool zero = true;  // GL holds the zero texels of a new texture
+    bool zero = true;  // never written: its texels read as zero
   };
   ~GLTexture() override;
   void Upload(UINT level);
@@ -55,6 +57,7 @@ class GLTexture final : public IDirect3DTexture9 {
   DWORD usage_;
   D3DPOOL pool_;
   std::vector<Level> levels_;
+  bool zeroLevelsUndefined_ = false;  // some level that reads as zero has no texels in GL yet
   ULONG refs_ = 1;
 };
 

@@ -3,6 +3,7 @@
 // own CreateTexture and LockRect. So the loaders work on any device, the GL
 // back end and test fakes alike.
 #include <cstring>
+#include <utility>
 
 #include "platform/crt/AssetReport.h"
 #include "platform/d3dx9/D3DXTextureImage.h"
@@ -56,7 +57,19 @@ HRESULT FillLevel(IDirect3DTexture9* texture, UINT level, D3DFORMAT format, UINT
   auto* rows = static_cast<std::uint8_t*>(locked.pBits);
   for (std::uint32_t y = 0; y < image.height; ++y) {
     std::uint8_t* row = rows + std::size_t(y) * std::size_t(locked.Pitch);
-    for (std::uint32_t x = 0; x < image.width; ++x) Pack(format, image.At(x, y), row + std::size_t(x) * bytes);
+    const std::uint32_t* source = image.texels.data() + std::size_t(y) * image.width;
+    // The two 32-bit formats, which every picture here loads into, copy whole
+    // rows; the 16-bit ones pack texel by texel.
+    if (format == D3DFMT_A8R8G8B8) {
+      std::memcpy(row, source, std::size_t(image.width) * 4);
+    } else if (format == D3DFMT_X8R8G8B8) {
+      for (std::uint32_t x = 0; x < image.width; ++x) {
+        const std::uint32_t opaque = source[x] | 0xFF000000u;
+        std::memcpy(row + std::size_t(x) * 4, &opaque, 4);
+      }
+    } else {
+      for (std::uint32_t x = 0; x < image.width; ++x) Pack(format, source[x], row + std::size_t(x) * bytes);
+    }
   }
   return texture->UnlockRect(level);
 }
@@ -110,7 +123,7 @@ HRESULT D3DXCreateTextureFromFileExA(IDirect3DDevice9* pDevice, const char* pSrc
   HRESULT hr = pDevice->CreateTexture(width, height, levels, Usage, Format, Pool, &texture, nullptr);
   if (FAILED(hr) || texture == nullptr) return FAILED(hr) ? hr : D3DERR_INVALIDCALL;
 
-  d3dx::ArgbImage level = d3dx::Resample(image, width, height);
+  d3dx::ArgbImage level = d3dx::Resample(std::move(image), width, height);
   UINT made = texture->GetLevelCount();
   for (UINT i = 0; i < made; ++i) {
     if (i > 0) level = d3dx::HalveBox(level);

@@ -44,7 +44,7 @@ std::uint32_t FullMipCount(std::uint32_t width, std::uint32_t height);
 
 // Resamples to width x height: bilinear at texel centres, edges clamped.
 // Same size gives a copy.
-ArgbImage Resample(const ArgbImage& src, std::uint32_t width, std::uint32_t height);
+ArgbImage Resample(ArgbImage src, std::uint32_t width, std::uint32_t height);
 // The next mip level: each texel the average of a 2x2 box (a 1-wide side
 // stays 1 wide); channels are averaged on their own, rounding to nearest.
 ArgbImage HalveBox(const ArgbImage& src);
