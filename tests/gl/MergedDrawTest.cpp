@@ -24,28 +24,32 @@ TEST_F(MergedDrawTest, QuadsKeepTheirTexelsAndCallOrderInAsFewGlDrawsAsTexturesA
     std::uint32_t glDraws;
   };
   // Three textures alternating fit one merged draw; one more than it holds
-  // needs a second.
+  // needs a second. Both ways of picking a texture by slot: indexed (here, on
+  // software GL), then the chain of tests GPUs need.
   const Case cases[] = {{3, 24, 1}, {d3d9gl::kBatchTextures + 1, d3d9gl::kBatchTextures + 1, 2}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.textures);
-    std::vector<IDirect3DTexture9*> textures;
-    auto color = [](int i) { return 0xFF000040u | 0x2F0000u * D3DCOLOR(i + 1); };
-    for (int i = 0; i < c.textures; ++i) textures.push_back(MakeTexture(1, 1, {color(i)}));
-    ClearAll();
-    ASSERT_EQ(device_->BeginScene(), D3D_OK);
-    // Quad i spans x from 2i to 2i + 16: at x = 2i it is the last one drawn.
-    for (int i = 0; i < c.quads; ++i) {
-      device_->SetTexture(0, textures[std::size_t(i % c.textures)]);
-      ASSERT_EQ(Quad({float(2 * i), 8, float(2 * i + 16), 24}, 0xFFFFFFFF), D3D_OK);
+  for (int round = 0; round < 2; ++round) {
+    if (round == 1) d3d9gl::UseSlotTests(device_);
+    for (const Case& c : cases) {
+      SCOPED_TRACE(::testing::Message() << c.textures << " textures, round " << round);
+      std::vector<IDirect3DTexture9*> textures;
+      auto color = [](int i) { return 0xFF000040u | 0x2F0000u * D3DCOLOR(i + 1); };
+      for (int i = 0; i < c.textures; ++i) textures.push_back(MakeTexture(1, 1, {color(i)}));
+      ClearAll();
+      ASSERT_EQ(device_->BeginScene(), D3D_OK);
+      // Quad i spans x from 2i to 2i + 16: at x = 2i it is the last one drawn.
+      for (int i = 0; i < c.quads; ++i) {
+        device_->SetTexture(0, textures[std::size_t(i % c.textures)]);
+        ASSERT_EQ(Quad({float(2 * i), 8, float(2 * i + 16), 24}, 0xFFFFFFFF), D3D_OK);
+      }
+      ASSERT_EQ(device_->EndScene(), D3D_OK);
+      const std::vector<D3DCOLOR> f = Frame();
+      for (int i = 0; i < c.quads; ++i)
+        EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], color(i % c.textures)) << "quad " << i;
+      EXPECT_EQ(device_->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+      d3d9gl::FrameStats stats;
+      EXPECT_TRUE(d3d9gl::GetFrameStats(device_, stats));
+      EXPECT_EQ(stats.lastFrameGlDrawCalls, c.glDraws);
     }
-    ASSERT_EQ(device_->EndScene(), D3D_OK);
-    const std::vector<D3DCOLOR> f = Frame();
-    for (int i = 0; i < c.quads; ++i)
-      EXPECT_EQ(f[16 * kSize + std::size_t(2 * i)], color(i % c.textures)) << "quad " << i;
-    EXPECT_EQ(device_->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
-    d3d9gl::FrameStats stats;
-    EXPECT_TRUE(d3d9gl::GetFrameStats(device_, stats));
-    EXPECT_EQ(stats.lastFrameGlDrawCalls, c.glDraws);
   }
 }
 

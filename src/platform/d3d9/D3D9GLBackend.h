@@ -42,6 +42,10 @@ bool ReadBackBufferRGBA(IDirect3DDevice9* device, std::vector<std::uint8_t>& rgb
 void SimulateDeviceLost(IDirect3DDevice9* device, bool canResetNow = true);
 void AllowReset(IDirect3DDevice9* device);
 
+// Merged draws pick their textures by the chain of slot tests that GPUs
+// need, also where the GL could index them (software GL).
+void UseSlotTests(IDirect3DDevice9* device);
+
 // Counters of the GL work done, for benchmarks and tests.
 struct FrameStats {
   std::uint32_t glDrawCalls = 0;          // GL draw calls since the last Present

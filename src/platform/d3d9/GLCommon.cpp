@@ -97,6 +97,8 @@ GLLimits Probe() {
                   epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic");
   if (l.anisotropic) glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY, &l.maxAnisotropy);
   l.s3tc = epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc");
+  l.slotIndexedSamplers =
+      std::strncmp(l.renderer, "llvmpipe", 8) == 0 && epoxy_has_gl_extension("GL_ARB_gpu_shader5");
   l.rgb565Renderable = ColorRenderable(GL_RGB565);
   l.rgb5a1Renderable = ColorRenderable(GL_RGB5_A1);
   l.swapImmediate = SDL_GL_SetSwapInterval(0) == 0;

@@ -34,6 +34,9 @@ struct GLLimits {
   bool rgb5a1Renderable = false;
   bool swapImmediate = false;  // swap interval 0 can be set
   bool swapOne = false;        // swap interval 1 can be set
+  // Software GL, which shades a triangle at a time, with sampler arrays that
+  // take a non-constant index: a merged draw then picks its texture by slot.
+  bool slotIndexedSamplers = false;
 };
 // Probes once per process (a hidden window and a 3.3 core context).
 const GLLimits& Limits();

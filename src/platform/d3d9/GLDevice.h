@@ -67,6 +67,7 @@ class GLDevice final : public IDirect3DDevice9 {
   void ForgetTexture(GLuint name);    // a GL texture is about to be deleted
   bool ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
   void SimulateLost(bool canResetNow);
+  void UseSlotTests() { indexSlots_ = false; }
   void AllowReset() { simulatedCanReset_ = true; }
   FrameStats Stats() const;
 
@@ -125,6 +126,7 @@ class GLDevice final : public IDirect3DDevice9 {
   bool inScene_ = false;
   bool lost_ = false;
   bool simulatedLoss_ = false, simulatedCanReset_ = false;
+  bool indexSlots_ = Limits().slotIndexedSamplers;
   bool sawFocus_ = false;
 
   // Recorded state.

@@ -209,7 +209,8 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
                            t[D3DTSS_ALPHAARG1], t[D3DTSS_ALPHAARG2], t[D3DTSS_TEXCOORDINDEX], textures_[i] != nullptr};
   }
   stages[0].hasTexture = stage0Count > 0;
-  ShaderKey key = MakeShaderKey(stages, fvf_, stage0Count, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT);
+  ShaderKey key =
+      MakeShaderKey(stages, fvf_, stage0Count, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT, indexSlots_);
   ShaderProgram* prog = shaders_.Get(key);
   if (prog == nullptr) return false;
   if (currentProgram_ != prog->program) {

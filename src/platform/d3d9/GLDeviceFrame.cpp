@@ -457,6 +457,10 @@ void SimulateDeviceLost(IDirect3DDevice9* device, bool canResetNow) {
   if (GLDevice* d = GLDevice::From(device)) d->SimulateLost(canResetNow);
 }
 
+void UseSlotTests(IDirect3DDevice9* device) {
+  if (GLDevice* d = GLDevice::From(device)) d->UseSlotTests();
+}
+
 void AllowReset(IDirect3DDevice9* device) {
   if (GLDevice* d = GLDevice::From(device)) d->AllowReset();
 }

@@ -80,11 +80,13 @@ std::uint64_t ShaderKey::Pack() const {
   k = (k << 1) | pretransformed;
   k = (k << 2) | (texCoordSets & 3);
   k = (k << 4) | (slots & 15);
+  k = (k << 1) | indexedSlots;
   k = (k << 1) | flat;
   return k;
 }
 
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat) {
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat,
+                        bool indexSlots) {
   ShaderKey key;
   key.pretransformed = (fvf & D3DFVF_POSITION_MASK) == D3DFVF_XYZRHW;
   DWORD sets = (fvf & D3DFVF_TEXCOUNT_MASK) >> D3DFVF_TEXCOUNT_SHIFT;
@@ -110,7 +112,10 @@ ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, in
                         k.alphaArg1 == D3DTA_TEXTURE || k.alphaArg2 == D3DTA_TEXTURE;
     k.hasTexture = readsTexture && s.hasTexture;
     k.texCoord = std::uint8_t(s.texCoordIndex & 7);
-    if (i == 0 && k.hasTexture && stage0Textures > 1) key.slots = std::uint8_t(stage0Textures);
+    if (i == 0 && k.hasTexture && stage0Textures > 1) {
+      key.slots = std::uint8_t(stage0Textures);
+      key.indexedSlots = indexSlots;
+    }
   }
   return key;
 }
@@ -149,13 +154,17 @@ std::string VertexShaderSource(const ShaderKey& key) {
 }
 
 std::string FragmentShaderSource(const ShaderKey& key) {
+  // Software GL shades one triangle at a time, so all pixels shaded together
+  // share the slot, and a sampler array indexed by it fetches one texture;
+  // the chain of slot tests below fetches every texture on every pixel. A GPU
+  // may shade several triangles together, which such an index does not allow.
+  const bool indexed = key.indexedSlots;
   std::string s = "#version 330 core\n";
+  if (indexed) s += "#extension GL_ARB_gpu_shader5 : require\n";
   s += key.flat ? "flat in vec4 v_color;\n" : "in vec4 v_color;\n";
   s += "in vec2 v_tex0;\nin vec2 v_tex1;\nflat in uint v_slot;\nout vec4 o_color;\n";
-  if (key.stages[0].hasTexture) {
-    int n = key.slots > 1 ? key.slots : 1;
-    for (int i = 0; i < n; ++i) s += "uniform sampler2D u_stage0_" + std::to_string(i) + ";\n";
-  }
+  if (key.stages[0].hasTexture)
+    s += "uniform sampler2D u_stage0[" + std::to_string(key.slots > 1 ? key.slots : 1) + "];\n";
   if (key.stages[1].hasTexture) s += "uniform sampler2D u_stage1;\n";
   s += "void main() {\n  vec4 cur = v_color;\n";
   for (int i = 0; i < kShaderStages; ++i) {
@@ -166,15 +175,17 @@ std::string FragmentShaderSource(const ShaderKey& key) {
     std::string uv = k.texCoord < key.texCoordSets ? "v_tex" + std::to_string(k.texCoord) : "vec2(0.0)";
     s += "  {\n    vec4 " + t + " = vec4(1.0);\n";
     if (k.hasTexture) {
-      if (i == 0 && key.slots > 1) {
+      if (i == 0 && indexed) {
+        s += "    " + t + " = texture(u_stage0[v_slot], " + uv + ");\n";
+      } else if (i == 0 && key.slots > 1) {
         // Derivatives outside the branch keep mip selection defined.
         s += "    vec2 uv = " + uv + ";\n    vec2 dx = dFdx(uv), dy = dFdy(uv);\n";
         for (int j = 0; j < key.slots; ++j) {
           s += std::string(j ? "    else " : "    ") + (j + 1 < key.slots ? "if (v_slot == " + std::to_string(j) + "u) " : "");
-          s += t + " = textureGrad(u_stage0_" + std::to_string(j) + ", uv, dx, dy);\n";
+          s += t + " = textureGrad(u_stage0[" + std::to_string(j) + "], uv, dx, dy);\n";
         }
       } else {
-        s += "    " + t + " = texture(" + (i == 0 ? std::string("u_stage0_0") : std::string("u_stage1")) + ", " + uv +
+        s += "    " + t + " = texture(" + (i == 0 ? std::string("u_stage0[0]") : std::string("u_stage1")) + ", " + uv +
              ");\n";
       }
     }
@@ -217,7 +228,7 @@ ShaderProgram* ShaderCache::Get(const ShaderKey& key) {
       prog->viewport = glGetUniformLocation(p, "u_viewport");
       glUseProgram(p);
       for (int i = 0; i < kBatchTextures; ++i) {
-        GLint loc = glGetUniformLocation(p, ("u_stage0_" + std::to_string(i)).c_str());
+        GLint loc = glGetUniformLocation(p, ("u_stage0[" + std::to_string(i) + "]").c_str());
         if (loc >= 0) glUniform1i(loc, i);
       }
       GLint loc1 = glGetUniformLocation(p, "u_stage1");

@@ -42,10 +42,12 @@ struct ShaderKey {
   std::uint8_t pretransformed = 0;  // D3DFVF_XYZRHW
   std::uint8_t texCoordSets = 0;    // sets in the vertex, 0 to 2 used
   // Stage-0 textures a merged draw chooses from per vertex, 2 to
-  // kBatchTextures; 0 when the draw has one. The fragment shader tests the
-  // vertex's slot against each of them in turn, and a software rasteriser pays
-  // for every test on every pixel, so the chain is only as long as needed.
+  // kBatchTextures; 0 when the draw has one. Where the fragment shader tests
+  // the vertex's slot against each of them in turn, a rasteriser that runs
+  // both sides of a branch pays for every test on every pixel, so the chain
+  // is only as long as needed.
   std::uint8_t slots = 0;
+  std::uint8_t indexedSlots = 0;    // the slot indexes a sampler array (see FragmentShaderSource)
   std::uint8_t flat = 0;            // D3DSHADE_FLAT
 
   std::uint64_t Pack() const;
@@ -60,7 +62,8 @@ struct StageState {
 // D3DTA_TEXTURE on a stage without texture, ends processing at that stage.
 // `stage0Textures` is the number of stage-0 textures the draw uses (0 or 1 for
 // a plain draw, up to kBatchTextures for a merged one).
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat);
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat,
+                        bool indexSlots);
 
 // The GLSL text of a key (for tests and for the cache).
 std::string VertexShaderSource(const ShaderKey& key);
