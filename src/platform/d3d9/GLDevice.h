@@ -108,7 +108,6 @@ class GLDevice final : public IDirect3DDevice9 {
   void ApplySampler(int stage, GLuint unitFirst, GLuint unitCount);
   void BindTexture(GLuint unit, GLuint name);
   void BindForDrawing(GLuint unit, GLTexture* texture);
-  static void ReturnFreedMemory(std::uint32_t presents);
   void DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride);
   std::size_t StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity, GLenum target,
                           const void* data, std::size_t bytes, std::size_t align);

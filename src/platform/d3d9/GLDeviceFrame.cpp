@@ -20,6 +20,20 @@ void DrawOverlay(HWND hWnd, void*) { win32::overlay::DrawWindowOverlay(hWnd); }
 
 PresentHook s_presentHook = &DrawOverlay;
 void* s_presentHookUser = nullptr;
+
+// The first frames of a device are when a driver builds most of what it
+// keeps: on software GL, LLVM compiles each new shader state and frees tens
+// of MB of working memory that glibc keeps inside the process. Giving free
+// pages back after presents 1, 2, 4, ... 1024 catches that while it is new,
+// at a cost of 1 to 2.5 ms each, and none after the first minute or so.
+void ReturnFreedMemory(std::uint32_t presents) {
+#ifdef __GLIBC__
+  if (presents <= 1024 && (presents & (presents - 1)) == 0) malloc_trim(0);
+#else
+  (void)presents;
+#endif
+}
+
 }  // namespace
 
 // ---- life ------------------------------------------------------------------
@@ -351,19 +365,6 @@ HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void
   ++stats_.presents;
   ReturnFreedMemory(stats_.presents);
   return D3D_OK;
-}
-
-// The first frames of a device are when a driver builds most of what it
-// keeps: on software GL, LLVM compiles each new shader state and frees tens
-// of MB of working memory that glibc keeps inside the process. Giving free
-// pages back after presents 1, 2, 4, ... 1024 catches that while it is new,
-// at a cost of 1 to 2.5 ms each, and none after the first minute or so.
-void GLDevice::ReturnFreedMemory(std::uint32_t presents) {
-#ifdef __GLIBC__
-  if (presents <= 1024 && (presents & (presents - 1)) == 0) malloc_trim(0);
-#else
-  (void)presents;
-#endif
 }
 
 HRESULT GLDevice::TestCooperativeLevel() {

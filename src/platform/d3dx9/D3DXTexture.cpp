@@ -11,8 +11,8 @@
 
 namespace {
 
-// Packs one ARGB texel into the texture format; false for formats this
-// loader does not write.
+// Bytes a texel of the format takes; false for formats this loader does not
+// write.
 bool BytesPerTexel(D3DFORMAT f, UINT& bytes) {
   switch (f) {
     case D3DFMT_A8R8G8B8:
@@ -25,16 +25,11 @@ bool BytesPerTexel(D3DFORMAT f, UINT& bytes) {
   }
 }
 
-void Pack(D3DFORMAT f, std::uint32_t argb, std::uint8_t* dst) {
+// The 16-bit formats; FillLevel copies the 32-bit ones a row at a time.
+void Pack16(D3DFORMAT f, std::uint32_t argb, std::uint8_t* dst) {
   std::uint32_t a = argb >> 24, r = (argb >> 16) & 0xFF, g = (argb >> 8) & 0xFF, b = argb & 0xFF;
   std::uint16_t v16 = 0;
   switch (f) {
-    case D3DFMT_A8R8G8B8: std::memcpy(dst, &argb, 4); return;
-    case D3DFMT_X8R8G8B8: {
-      std::uint32_t x = argb | 0xFF000000u;
-      std::memcpy(dst, &x, 4);
-      return;
-    }
     case D3DFMT_R5G6B5: v16 = std::uint16_t(((r >> 3) << 11) | ((g >> 2) << 5) | (b >> 3)); break;
     case D3DFMT_X1R5G5B5: v16 = std::uint16_t(0x8000 | ((r >> 3) << 10) | ((g >> 3) << 5) | (b >> 3)); break;
     case D3DFMT_A1R5G5B5:
@@ -68,7 +63,7 @@ HRESULT FillLevel(IDirect3DTexture9* texture, UINT level, D3DFORMAT format, UINT
         std::memcpy(row + std::size_t(x) * 4, &opaque, 4);
       }
     } else {
-      for (std::uint32_t x = 0; x < image.width; ++x) Pack(format, source[x], row + std::size_t(x) * bytes);
+      for (std::uint32_t x = 0; x < image.width; ++x) Pack16(format, source[x], row + std::size_t(x) * bytes);
     }
   }
   return texture->UnlockRect(level);
