@@ -119,23 +119,6 @@ TEST_F(RasterTest, CullModesFollowTheWindingOnScreen) {
     }
 }
 
-TEST_F(RasterTest, WireframeDrawsOnlyTheEdges) {
-  // Edges through pixel centres, so each edge lights one row or column: the
-  // four sides and the diagonal between the fan's two triangles.
-  const std::vector<Probe> solid = {{24, 9, true},  {9, 24, true},  {39, 24, true},
-                                    {24, 39, true}, {30, 16, true}, {16, 30, true}};
-  const std::vector<Probe> wire = {{24, 8, true},   {8, 24, true},  {40, 24, true},
-                                   {24, 40, true},  {24, 24, true}, {24, 9, false},
-                                   {30, 16, false}, {16, 30, false}};
-  for (const DWORD fill : {D3DFILL_SOLID, D3DFILL_WIREFRAME}) {
-    SCOPED_TRACE(fill);
-    device_->SetRenderState(D3DRS_FILLMODE, fill);
-    ClearAll(kClear);
-    ASSERT_EQ(Quad({8.5f, 8.5f, 40.5f, 40.5f}, kInk), D3D_OK);
-    ExpectInk(fill == D3DFILL_SOLID ? solid : wire);
-  }
-}
-
 TEST_F(RasterTest, DepthTestAndWrite) {
   constexpr D3DCOLOR kFirst = 0xFFFF0000, kSecond = 0xFF00FF00;
   struct Case {
