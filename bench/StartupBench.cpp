@@ -20,7 +20,7 @@
 #include <string>
 
 #include "app/GameApp.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/windows.h"
 
 namespace {

@@ -10,13 +10,18 @@ function(karvo_add_subdirectories)
   endforeach()
 endfunction()
 
-# karvo_library(NAME LINKS <targets...> PRIVATE_LINKS <targets...> EXCLUDE <files...>)
-# A static library from every .cpp of the current folder but the excluded
-# ones. Its include root is src/, so sources write
-# #include "platform/d3d9/d3d9.h" or "view/Camera.h".
+# karvo_library(NAME LINKS <targets...> PRIVATE_LINKS <targets...> EXCLUDE <files...>
+#               FOLDERS <subfolders...>)
+# A static library from every .cpp of the current folder (and of the listed
+# subfolders) but the excluded ones. Its include root is src/, so sources
+# write #include "platform/d3d9/d3d9.h" or "view/Camera.h".
 function(karvo_library name)
-  cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS;EXCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS;EXCLUDE;FOLDERS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(folder IN LISTS ARG_FOLDERS)
+    file(GLOB more CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+    list(APPEND sources ${more})
+  endforeach()
   foreach(excluded IN LISTS ARG_EXCLUDE)
     list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${excluded})
   endforeach()

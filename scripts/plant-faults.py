@@ -59,7 +59,7 @@ FAULTS = [
       "mapping swapped"),
     F("resolution-text", "src/device/D3DSettingsDlgCascade.cpp", '"%d x %d"', '"%dx%d"', "message text changed"),
 
-    F("left-arrow-key", "src/platform/win32/Win32SdlKeys.cpp", "{SDLK_LEFT, VK_LEFT},", "{SDLK_LEFT, VK_RIGHT},",
+    F("left-arrow-key", "src/platform/win32/sdl/Win32SdlKeys.cpp", "{SDLK_LEFT, VK_LEFT},", "{SDLK_LEFT, VK_RIGHT},",
       "key mapping swapped"),
     F("quit-before-posted", "src/platform/win32/Win32Messages.cpp",
       "  if (TakePosted(lpMsg, hWnd, wMsgFilterMin, wMsgFilterMax, remove)) return TRUE;\n"
@@ -67,7 +67,7 @@ FAULTS = [
       "  if (TakeQuit(lpMsg, wMsgFilterMin, wMsgFilterMax, remove)) return TRUE;\n"
       "  if (TakePosted(lpMsg, hWnd, wMsgFilterMin, wMsgFilterMax, remove)) return TRUE;\n\n  Source&",
       "message order swapped"),
-    F("button-up-message", "src/platform/win32/Win32SdlEvents.cpp", "downMessage + 1", "downMessage + 2",
+    F("button-up-message", "src/platform/win32/sdl/Win32SdlEvents.cpp", "downMessage + 1", "downMessage + 2",
       "constant changed"),
     F("radio-last-item", "src/platform/win32/Win32Menu.cpp", "check > last", "check >= last",
       "comparison made non-strict"),

@@ -22,7 +22,7 @@
 #include "app/Resources.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Dialogs.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/windows.h"
 
 namespace {

@@ -10,7 +10,7 @@
 
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32DisplayScale.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
 
 namespace d3d9gl {
 

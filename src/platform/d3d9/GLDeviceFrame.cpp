@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "platform/d3d9/GLDevice.h"
-#include "platform/win32/Win32Overlay.h"
+#include "platform/win32/overlay/Win32Overlay.h"
 
 namespace d3d9gl {
 

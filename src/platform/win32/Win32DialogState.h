@@ -50,11 +50,11 @@ LRESULT CALLBACK ControlProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lPar
 
 namespace win32::detail {
 
-// The script's turn in an open dialog (Win32Script.cpp): false when the
+// The script's turn in an open dialog (script/Win32Script.cpp): false when the
 // script has nothing to do there.
 bool ScriptDialogTurn(HWND dialog, std::uint32_t turn);
 
-// The person's turn (Win32DialogView.cpp): reads the input, draws the dialog
+// The person's turn (overlay/Win32DialogView.cpp): reads the input, draws the dialog
 // into its owner's window and swaps; ends the dialog with IDCANCEL when it
 // cannot be drawn or the window is closing.
 void DialogViewTurn(HWND dialog);

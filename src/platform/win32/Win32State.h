@@ -1,8 +1,8 @@
 // Internal to the win32 layer: the state that all calls share (windows,
 // classes, message queue, key table, capture, cursor) and the contract
-// between the common code and its two input/clock back ends (Win32Sdl*.cpp,
-// Win32Script*.cpp). No SDL types here: SDL windows are handled through the
-// functions of Win32SdlWindow.cpp.
+// between the common code and its two input/clock back ends (sdl/,
+// script/). No SDL types here: SDL windows are handled through the
+// functions of sdl/Win32SdlWindow.cpp.
 #pragma once
 
 #include <cstdint>
@@ -137,14 +137,14 @@ void Post(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 // Menus (Win32Menu.cpp): whether a handle is a live menu.
 bool IsMenu(HMENU hMenu);
 
-// Keyboard table of the SDL back end (Win32SdlKeys.cpp): the virtual key of an
+// Keyboard table of the SDL back end (sdl/Win32SdlKeys.cpp): the virtual key of an
 // SDL key code, falling back on the scan code's key position for keys that
 // the layout gives no Latin letter or digit. 0 for keys without one.
 BYTE VirtualKeyOfSdl(int keycode, int scancode);
 // Whether the platform marks the key as extended (bit 24 of the key lParam).
 bool IsExtendedKey(BYTE vk);
 
-// ---- SDL windows (Win32SdlWindow.cpp) -----------------------------------------
+// ---- SDL windows (sdl/Win32SdlWindow.cpp) -------------------------------------
 bool SdlVideoAvailable();
 SDL_Window* SdlCreate(const Window& window);
 void SdlDestroy(SDL_Window* sdl);

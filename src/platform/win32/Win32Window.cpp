@@ -1,7 +1,7 @@
 // Window classes and windows: creation with WM_NCCREATE / WM_CREATE, styles,
 // placement with WM_SIZE delivered into the call, titles, window and class
 // longs. The SDL window behind each record is driven through
-// Win32SdlWindow.cpp; record-only windows (scripted runs without a display)
+// sdl/Win32SdlWindow.cpp; record-only windows (scripted runs without a display)
 // skip those calls.
 #include <algorithm>
 #include <cstring>

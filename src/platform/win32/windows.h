@@ -1,8 +1,9 @@
 // Win32: the subset of the window, message, menu, input, time and message-box
 // interface that this program uses, with the platform's names and published
-// numeric values. Declarations only; the back ends live in Win32*.cpp.
+// numeric values. Declarations only; the calls live in Win32*.cpp beside
+// this header, the back ends in sdl/, script/ and overlay/.
 //
-// Two back ends share these calls (see Win32Backend.h and Win32Script.h):
+// Two back ends share these calls (see Win32Backend.h and script/Win32Script.h):
 //  - SDL: real windows (SDL2, created with SDL_WINDOW_OPENGL), events from
 //    SDL turned into window messages, the monotonic clock of the machine;
 //  - script: the same windows (or window records without SDL), but keys,

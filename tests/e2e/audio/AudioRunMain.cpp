@@ -30,7 +30,7 @@
 #include <thread>
 
 #include "app/GameApp.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/windows.h"
 
 namespace {

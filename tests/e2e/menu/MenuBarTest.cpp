@@ -14,7 +14,7 @@
 #include "app/GameApp.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Overlay.h"
+#include "platform/win32/overlay/Win32Overlay.h"
 #include "view/Camera.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "device/D3DSettingsDlg.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Dialogs.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/DeviceChangePlay.h"
 #include "terrain/Vertex.h"
 

@@ -15,7 +15,7 @@
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
 #include "platform/win32/Win32Dialogs.h"
-#include "platform/win32/Win32Overlay.h"
+#include "platform/win32/overlay/Win32Overlay.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "app/GameApp.h"
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 
 namespace program_test {
 

@@ -22,7 +22,7 @@
 #include "app/GameApp.h"
 #include "device/D3DSettingsDlg.h"
 #include "platform/d3d9/D3D9GLBackend.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/DeviceChangePlay.h"
 
 namespace {

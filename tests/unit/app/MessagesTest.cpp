@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
 #include "unit/render/AppUnderTest.h"

@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "device/D3DInitialize.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
 

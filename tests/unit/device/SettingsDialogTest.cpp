@@ -10,7 +10,7 @@
 #include "app/Resources.h"
 #include "device/D3DSettingsDlg.h"
 #include "platform/win32/Win32Dialogs.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/FakeDirect3D.h"
 
 namespace {

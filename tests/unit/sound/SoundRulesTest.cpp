@@ -10,7 +10,7 @@
 
 #include "SoundTestApp.h"
 #include "platform/crt/crt.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/windows.h"
 
 using soundtest::App;

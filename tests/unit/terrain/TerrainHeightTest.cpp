@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "TerrainFixture.h"
 #include "view/Player.h"
 

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "view/Player.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // compositor that scales the drawable overrides both; the bar's height follows.
 #include <gtest/gtest.h>
 
-#include "platform/win32/Win32DisplayScale.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
 
 namespace {
 

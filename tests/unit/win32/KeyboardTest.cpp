@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/Win32State.h"
 
 using win32::detail::VirtualKeyOfSdl;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 
 namespace {
 

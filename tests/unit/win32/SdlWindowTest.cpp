@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 
 TEST(SdlWindows, TheSdlWindowFollowsTheRecord) {
   win32::script::Disable();

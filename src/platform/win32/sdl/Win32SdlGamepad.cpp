@@ -1,5 +1,5 @@
 // SDL game controllers as keys (see Win32SdlGamepad.h).
-#include "platform/win32/Win32SdlGamepad.h"
+#include "platform/win32/sdl/Win32SdlGamepad.h"
 
 #include <SDL.h>
 

@@ -15,8 +15,8 @@
 #include <string>
 
 #include "platform/win32/Win32DialogState.h"
-#include "platform/win32/Win32DisplayScale.h"
-#include "platform/win32/Win32Overlay.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
+#include "platform/win32/overlay/Win32Overlay.h"
 
 using namespace win32::detail;
 using win32::DialogControlInfo;

@@ -2,7 +2,7 @@
 // UI frames. Input is fed from events, not polled: events pushed by a test or
 // already read by the layer never reach SDL's own mouse state, and mouse look
 // warps the pointer, which a poll would mistake for motion.
-#include "platform/win32/Win32Overlay.h"
+#include "platform/win32/overlay/Win32Overlay.h"
 
 #include <SDL.h>
 #include <imgui.h>
@@ -10,9 +10,9 @@
 #include <algorithm>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32DisplayScale.h"
-#include "platform/win32/Win32OverlayRenderer.h"
-#include "platform/win32/Win32OverlayState.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
+#include "platform/win32/overlay/Win32OverlayRenderer.h"
+#include "platform/win32/overlay/Win32OverlayState.h"
 
 namespace win32::overlay {
 

@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-#include "platform/win32/Win32SdlGamepad.h"
+#include "platform/win32/sdl/Win32SdlGamepad.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {

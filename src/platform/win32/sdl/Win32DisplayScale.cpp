@@ -1,4 +1,6 @@
-#include "platform/win32/Win32DisplayScale.h"
+// The desktop's scale for the layer's own UI (see Win32DisplayScale.h): read from
+// the drawable's density, Xft.dpi or GDK_SCALE, rounded to quarters.
+#include "platform/win32/sdl/Win32DisplayScale.h"
 
 #include <SDL.h>
 

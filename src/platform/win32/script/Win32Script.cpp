@@ -1,6 +1,6 @@
 // The scripted back end: a schedule of input by frame and a fixed-step clock
 // (see Win32Script.h for the contract).
-#include "platform/win32/Win32Script.h"
+#include "platform/win32/script/Win32Script.h"
 
 #include <SDL.h>
 
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/win32/Win32DialogState.h"
-#include "platform/win32/Win32SdlGamepad.h"
+#include "platform/win32/sdl/Win32SdlGamepad.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {

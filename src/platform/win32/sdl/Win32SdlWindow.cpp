@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/win32/Win32DisplayScale.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
 #include "platform/win32/Win32State.h"
 
 namespace win32::detail {

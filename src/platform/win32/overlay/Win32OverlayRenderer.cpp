@@ -1,7 +1,7 @@
 // The overlay's GL renderer: one program, one vertex array with a streaming
 // vertex and index buffer, the font atlas as one RGBA texture. Every state it
 // changes is read first and put back after, as the device caches its own.
-#include "platform/win32/Win32OverlayRenderer.h"
+#include "platform/win32/overlay/Win32OverlayRenderer.h"
 
 #include <SDL.h>
 #include <epoxy/gl.h>

@@ -14,8 +14,8 @@
 #include <string>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/Win32Overlay.h"
-#include "platform/win32/Win32OverlayState.h"
+#include "platform/win32/overlay/Win32Overlay.h"
+#include "platform/win32/overlay/Win32OverlayState.h"
 
 namespace win32::overlay {
 
