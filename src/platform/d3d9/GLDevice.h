@@ -66,6 +66,10 @@ class GLDevice final : public IDirect3DDevice9 {
   void FlushBatch();                  // carries out pending merged draws
   void ForgetTexture(GLuint name);    // a GL texture is about to be deleted
   bool ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
+  // Draws the last presented frame into the default framebuffer of its
+  // window again, as under a modal dialog; false for another window or when
+  // there is none to show.
+  bool ShowLastFrame(HWND hWnd);
   void SimulateLost(bool canResetNow);
   void UseSlotTests() { indexSlots_ = false; }
   void AllowReset() { simulatedCanReset_ = true; }
@@ -81,6 +85,7 @@ class GLDevice final : public IDirect3DDevice9 {
                       BOOL depth, D3DFORMAT depthFormat);
   void DestroyBackBuffer();
   GLuint ResolvedFramebuffer();  // single-sample copy of the back buffer
+  void ShowBackBuffer();         // into the window's client area, the rest black
   bool LossConditionHolds();     // a full-screen window minimised or unfocused
   void InitGL();
 

@@ -21,6 +21,14 @@ void DrawOverlay(HWND hWnd, void*) { win32::overlay::DrawWindowOverlay(hWnd); }
 PresentHook s_presentHook = &DrawOverlay;
 void* s_presentHookUser = nullptr;
 
+// The device whose frame the window shows now: a modal dialog shows it again
+// under itself.
+GLDevice* s_shown = nullptr;
+
+bool DrawLastFrame(HWND hWnd) {
+  return s_shown && s_shown->ShowLastFrame(hWnd);
+}
+
 // The first frames of a device are when a driver builds most of what it
 // keeps: on software GL, LLVM compiles each new shader state and frees tens
 // of MB of working memory that glibc keeps inside the process. Giving free
@@ -59,6 +67,7 @@ GLDevice::~GLDevice() {
     if (!pp_.Windowed) SDL_SetWindowFullscreen(core_->Window(), 0);
   }
   core_->owner = nullptr;
+  if (s_shown == this) s_shown = nullptr;
 }
 
 HRESULT GLDevice::Create(HWND focusWindow, DWORD behaviorFlags, D3DPRESENT_PARAMETERS* pp, IDirect3DDevice9** out) {
@@ -329,18 +338,8 @@ HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void
     lost_ = true;
     return D3DERR_DEVICELOST;
   }
-  SDL_Window* window = core_->Window();
-  GLuint read = ResolvedFramebuffer();
-  ClientArea area = ClientAreaOf(window_, window);
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
-  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-  glViewport(0, 0, area.width, area.height);
+  ShowBackBuffer();
   viewportDirty_ = true;
-  glClearColor(0, 0, 0, 1);
-  glClear(GL_COLOR_BUFFER_BIT);
-  bool sameSize = UINT(area.width) == bbWidth_ && UINT(area.height) == bbHeight_;
-  glBlitFramebuffer(0, 0, GLint(bbWidth_), GLint(bbHeight_), area.x, area.y, area.x + area.width,
-                    area.y + area.height, GL_COLOR_BUFFER_BIT, sameSize ? GL_NEAREST : GL_LINEAR);
   if (s_presentHook) {
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     s_presentHook(window_, s_presentHookUser);
@@ -357,14 +356,36 @@ HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void
     glFrontFace(GL_CW);
     for (auto& d : samplerDirty_) d = true;
   }
-  SDL_GL_SwapWindow(window);
+  SDL_GL_SwapWindow(core_->Window());
   glBindFramebuffer(GL_FRAMEBUFFER, fbo_);
+  s_shown = this;
+  win32::overlay::SetBackdropHook(&DrawLastFrame);
   stats_.lastFrameGlDrawCalls = std::exchange(stats_.glDrawCalls, 0);
   stats_.lastFrameUpCalls = std::exchange(stats_.upCalls, 0);
   stats_.lastFrameUpGlDraws = std::exchange(stats_.upGlDraws, 0);
   ++stats_.presents;
   ReturnFreedMemory(stats_.presents);
   return D3D_OK;
+}
+
+void GLDevice::ShowBackBuffer() {
+  GLuint read = ResolvedFramebuffer();
+  ClientArea area = ClientAreaOf(window_, core_->Window());
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+  glViewport(0, 0, area.width, area.height);
+  glClearColor(0, 0, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  bool sameSize = UINT(area.width) == bbWidth_ && UINT(area.height) == bbHeight_;
+  glBlitFramebuffer(0, 0, GLint(bbWidth_), GLint(bbHeight_), area.x, area.y, area.x + area.width,
+                    area.y + area.height, GL_COLOR_BUFFER_BIT, sameSize ? GL_NEAREST : GL_LINEAR);
+}
+
+bool GLDevice::ShowLastFrame(HWND hWnd) {
+  if (hWnd != window_ || lost_ || fbo_ == 0 || !core_->MakeCurrent()) return false;
+  FlushBatch();
+  ShowBackBuffer();
+  return true;
 }
 
 HRESULT GLDevice::TestCooperativeLevel() {

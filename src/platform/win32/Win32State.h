@@ -141,6 +141,9 @@ bool IsMenu(HMENU hMenu);
 // SDL key code, falling back on the scan code's key position for keys that
 // the layout gives no Latin letter or digit. 0 for keys without one.
 BYTE VirtualKeyOfSdl(int keycode, int scancode);
+// The generic key of a sided one (VK_LSHIFT gives VK_SHIFT, VK_RMENU
+// VK_MENU), as key messages carry it; other keys as they are.
+BYTE GenericKey(BYTE vk);
 // Whether the platform marks the key as extended (bit 24 of the key lParam).
 bool IsExtendedKey(BYTE vk);
 

@@ -1,26 +1,33 @@
 // The person's front end of a modal dialog: the dialog drawn with the shared
-// ImGui overlay into its owner's window, one frame per turn of the dialog's
-// loop, which swaps by itself since no Present runs meanwhile. Controls sit
-// where the resource puts them, in dialog units (see kUnitX), scaled down
-// when the window is smaller. The keyboard
-// works as on the desktop: Tab walks the controls in the resource's order,
-// the arrows step through a list that has the focus, Alt and an access key
-// go to the control of that key, Enter is the default button, Escape Cancel.
+// ImGui overlay into its owner's window over the world's last frame, dimmed,
+// one frame per turn of the dialog's loop, which swaps by itself since no
+// Present runs meanwhile. Controls sit where the resource puts them, in
+// dialog units (see kUnitX), scaled down when the window is smaller.
+//
+// Input is the dialog model's (Win32DialogNavigator.h): the overlay queues
+// every event while the dialog is up, and each turn of the loop hands the
+// model one of them, so that what a choice sets off (the lists it refills)
+// runs before the next key, as posted messages come before input on the
+// desktop. ImGui only draws.
 #include <SDL.h>
 #include <epoxy/gl.h>
 #include <imgui.h>
+#include <imgui_internal.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/win32/Win32DialogState.h"
-#include "platform/win32/sdl/Win32DisplayScale.h"
+#include "platform/win32/overlay/Win32AccessLabel.h"
 #include "platform/win32/overlay/Win32Overlay.h"
+#include "platform/win32/overlay/Win32OverlayState.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
 
 using namespace win32::detail;
 using win32::DialogControlInfo;
 using win32::DialogItemKind;
+using win32::overlay::DialogNavigator;
 
 namespace {
 
@@ -31,186 +38,157 @@ namespace {
 constexpr float kUnitX = 2.0f;
 constexpr float kUnitY = kUnitX * 1.625f / 1.5f;
 constexpr float kMargin = 8.0f;  // pixels kept free around the dialog in a small window
+// The window's colour under a dialog when there is no frame of the world to show.
 constexpr float kBackground[3] = {0.18f, 0.2f, 0.24f};
-
-// What the keyboard asked for before the frame, carried into it.
-struct Keyboard {
-  int focused = -1;                   // control with the focus in the last frame
-  int focusNext = -1;                 // control to give the focus to in this frame
-  bool keys[SDL_NUM_SCANCODES] = {};  // held at the last turn
-};
-Keyboard s_keyboard;
+// The world under a modal dialog is dimmed by this much black.
+constexpr ImU32 kDim = IM_COL32(0, 0, 0, 96);
 
 win32::DialogTurnHook s_turnHook = nullptr;
 void* s_turnHookUser = nullptr;
 
-std::string WithoutAmpersand(const std::string& text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '&' && i + 1 < text.size()) ++i;
-    out += text[i];
-  }
-  return out;
+DialogNavigator& Navigator() {
+  return win32::overlay::State().dialog;
 }
 
-// The access key of a control text, upper case; 0 without one.
-char AccessKeyOf(const std::string& text) {
-  const std::size_t at = text.find('&');
-  if (at == std::string::npos || at + 1 >= text.size() || text[at + 1] == '&') return 0;
-  const char key = text[at + 1];
-  return key >= 'a' && key <= 'z' ? static_cast<char>(key - 'a' + 'A') : key;
+RECT ToRect(ImVec2 min, ImVec2 max) {
+  return {static_cast<LONG>(min.x), static_cast<LONG>(min.y), static_cast<LONG>(max.x),
+          static_cast<LONG>(max.y)};
 }
 
-// Text with the access key underlined, as the desktop draws labels.
-void DrawAccessText(ImDrawList* list, ImVec2 at, const std::string& text, ImU32 colour) {
-  const std::string plain = WithoutAmpersand(text);
-  list->AddText(at, colour, plain.c_str());
-  const std::size_t key = text.find('&');
-  if (key == std::string::npos || key + 1 >= text.size()) return;
-  const float left = ImGui::CalcTextSize(plain.c_str(), plain.c_str() + key).x;
-  const float right = ImGui::CalcTextSize(plain.c_str(), plain.c_str() + key + 1).x;
-  const float y = at.y + ImGui::GetFontSize();
-  list->AddLine(ImVec2(at.x + left, y), ImVec2(at.x + right, y), colour);
+ImU32 TextColour(bool enabled) {
+  return ImGui::GetColorU32(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled);
 }
 
-// A key that went down since the last turn; it is then kept from ImGui's
-// own navigation, which would move the focus instead.
-bool Pressed(SDL_Scancode key) {
-  ImGuiIO& io = ImGui::GetIO();
-  const bool down = io.KeysDown[key];
-  const bool pressed = down && !s_keyboard.keys[key];
-  s_keyboard.keys[key] = down;
-  if (pressed) io.KeysDown[key] = false, s_keyboard.keys[key] = false;
-  return pressed;
-}
-
-// Keys of the desktop dialog, before ImGui sees the frame's input.
-void DesktopKeys(HWND dialog, const win32::DialogInfo& info) {
-  const auto& controls = info.controls;
-  const bool popup = win32::overlay::PopupOpen();
-  const int focused = s_keyboard.focused;
-  const DialogControlInfo* current =
-      focused >= 0 && focused < static_cast<int>(controls.size()) ? &controls[focused] : nullptr;
-  if (!popup && current && current->kind == DialogItemKind::DropDownList) {
-    if (Pressed(SDL_SCANCODE_UP))
-      win32::UserSelect(current->handle, std::max(current->selected - 1, 0));
-    if (Pressed(SDL_SCANCODE_DOWN)) win32::UserSelect(current->handle, current->selected + 1);
-  }
-  if (!popup && Pressed(SDL_SCANCODE_TAB)) {
-    // The next (Shift: the former) enabled control that takes the focus, in
-    // the resource's order; ImGui's own tabbing reaches text fields only.
-    const ImGuiIO& io = ImGui::GetIO();
-    const int step = io.KeysDown[SDL_SCANCODE_LSHIFT] || io.KeysDown[SDL_SCANCODE_RSHIFT] ? -1 : 1;
-    const int count = static_cast<int>(controls.size());
-    for (int i = 1; i <= count; ++i) {
-      const int next =
-          ((focused < 0 ? (step > 0 ? -1 : 0) : focused) + step * i + 2 * count) % count;
-      const DialogItemKind kind = controls[next].kind;
-      if (controls[next].enabled && kind != DialogItemKind::Label &&
-          kind != DialogItemKind::GroupBox) {
-        s_keyboard.focusNext = next;
-        break;
-      }
-    }
-  }
-  if (!popup && Pressed(SDL_SCANCODE_ESCAPE)) win32::UserClick(GetDlgItem(dialog, IDCANCEL));
-  if (!popup && (Pressed(SDL_SCANCODE_RETURN) || Pressed(SDL_SCANCODE_KP_ENTER))) {
-    // A focused push button answers Enter; otherwise the default button does.
-    const bool button = current && (current->kind == DialogItemKind::Button ||
-                                    current->kind == DialogItemKind::DefaultButton);
-    win32::UserClick(button ? current->handle : GetDlgItem(dialog, IDOK));
-  }
-  // The frame's Alt flag comes with the next frame; the key table is now.
-  const ImGuiIO& io = ImGui::GetIO();
-  if (!io.KeysDown[SDL_SCANCODE_LALT] && !io.KeysDown[SDL_SCANCODE_RALT]) return;
-  for (int scancode = SDL_SCANCODE_A; scancode <= SDL_SCANCODE_0; ++scancode) {
-    const SDL_Keycode sym = SDL_GetKeyFromScancode(static_cast<SDL_Scancode>(scancode));
-    if (!Pressed(static_cast<SDL_Scancode>(scancode)) || sym > 0x7F) continue;
-    const char key = static_cast<char>(sym >= 'a' && sym <= 'z' ? sym - 'a' + 'A' : sym);
-    for (std::size_t i = 0; i < controls.size(); ++i) {
-      if (AccessKeyOf(controls[i].text) != key) continue;
-      // A label hands its key on to the control after it.
-      const std::size_t target = controls[i].kind == DialogItemKind::Label ? i + 1 : i;
-      if (target >= controls.size()) break;
-      s_keyboard.focusNext = static_cast<int>(target);
-      if (controls[target].kind != DialogItemKind::DropDownList)
-        win32::UserClick(controls[target].handle);
-      break;
-    }
-  }
-}
-
-void DrawControl(const DialogControlInfo& control, int index, ImVec2 origin, ImVec2 scale) {
+void DrawGroupBox(const DialogControlInfo& control, ImVec2 min, ImVec2 size) {
   ImDrawList* list = ImGui::GetWindowDrawList();
-  const ImVec2 min(origin.x + control.x * scale.x, origin.y + control.y * scale.y);
-  const ImVec2 size(control.cx * scale.x, control.cy * scale.y);
-  const ImU32 text = ImGui::GetColorU32(ImGuiCol_Text);
+  const float half = ImGui::GetFontSize() / 2;
+  const win32::overlay::AccessLabel label = win32::overlay::MakeAccessLabel(control.text);
+  const float width = ImGui::CalcTextSize(label.shown.c_str()).x;
+  list->AddRect(ImVec2(min.x, min.y + half), ImVec2(min.x + size.x, min.y + size.y),
+                ImGui::GetColorU32(ImGuiCol_Border));
+  const float ui = win32::CurrentDisplayScale().ui;  // the caption's gap grows with the font
+  list->AddRectFilled(ImVec2(min.x + 6 * ui, min.y),
+                      ImVec2(min.x + (10 * ui) + width, min.y + 2 * half),
+                      ImGui::GetColorU32(ImGuiCol_WindowBg));
+  win32::overlay::DrawAccessLabel(list, ImVec2(min.x + 8 * ui, min.y), label, TextColour(true));
+}
+
+// Draws one control; gives where a click reaches it.
+ImRect DrawControl(const DialogControlInfo& control, ImVec2 min, ImVec2 size) {
+  ImDrawList* list = ImGui::GetWindowDrawList();
   ImGui::SetCursorScreenPos(min);
-  ImGui::PushID(index);
-  if (s_keyboard.focusNext == index) ImGui::SetKeyboardFocusHere();
   ImGui::BeginDisabled(!control.enabled);
+  ImRect place(min, ImVec2(min.x + size.x, min.y + size.y));
   switch (control.kind) {
-    case DialogItemKind::GroupBox: {
-      const float half = ImGui::GetFontSize() / 2;
-      const std::string plain = WithoutAmpersand(control.text);
-      const float width = ImGui::CalcTextSize(plain.c_str()).x;
-      list->AddRect(ImVec2(min.x, min.y + half), ImVec2(min.x + size.x, min.y + size.y),
-                    ImGui::GetColorU32(ImGuiCol_Border));
-      const float ui = win32::CurrentDisplayScale().ui;  // the caption's gap grows with the font
-      list->AddRectFilled(ImVec2(min.x + 6 * ui, min.y), ImVec2(min.x + (10 * ui) + width, min.y + 2 * half),
-                          ImGui::GetColorU32(ImGuiCol_WindowBg));
-      DrawAccessText(list, ImVec2(min.x + 8 * ui, min.y), control.text, text);
+    case DialogItemKind::GroupBox:
+      DrawGroupBox(control, min, size);
       break;
-    }
     case DialogItemKind::Label:
-      DrawAccessText(list, min, control.text, text);
+      win32::overlay::DrawAccessLabel(list, min, win32::overlay::MakeAccessLabel(control.text),
+                                      TextColour(true));
       break;
     case DialogItemKind::DropDownList: {
-      // The list's closed height is one line; cy is the open list's.
+      // The closed box is one line high; the resource's height is the open list's.
       ImGui::SetNextItemWidth(size.x);
       const char* shown = control.selected >= 0 ? control.entries[control.selected].c_str() : "";
-      if (ImGui::BeginCombo("##list", shown)) {
-        for (std::size_t i = 0; i < control.entries.size(); ++i) {
-          const bool selected = static_cast<int>(i) == control.selected;
-          if (ImGui::Selectable(control.entries[i].c_str(), selected))
-            win32::UserSelect(control.handle, static_cast<int>(i));
-          if (selected) ImGui::SetItemDefaultFocus();
-        }
-        ImGui::EndCombo();
-      }
+      if (ImGui::BeginCombo("##list", shown))
+        ImGui::EndCombo();  // drawn only: it never opens itself
+      place = ImRect(ImGui::GetItemRectMin(), ImGui::GetItemRectMax());
       break;
     }
     case DialogItemKind::AutoRadioButton: {
-      if (ImGui::RadioButton("##radio", control.checked)) win32::UserClick(control.handle);
+      ImGui::RadioButton("##radio", control.checked);
       const ImVec2 at(ImGui::GetItemRectMax().x + ImGui::GetStyle().ItemInnerSpacing.x,
                       ImGui::GetItemRectMin().y + ImGui::GetStyle().FramePadding.y);
-      DrawAccessText(list, at, control.text,
-                     ImGui::GetColorU32(control.enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled));
+      win32::overlay::DrawAccessLabel(list, at, win32::overlay::MakeAccessLabel(control.text),
+                                      TextColour(control.enabled));
       break;
     }
     case DialogItemKind::DefaultButton:
     case DialogItemKind::Button:
-      if (ImGui::Button(WithoutAmpersand(control.text).c_str(), size))
-        win32::UserClick(control.handle);
+      ImGui::Button(win32::overlay::MakeAccessLabel(control.text).shown.c_str(), size);
       if (control.kind == DialogItemKind::DefaultButton) {
         list->AddRect(ImGui::GetItemRectMin(), ImGui::GetItemRectMax(),
                       ImGui::GetColorU32(ImGuiCol_NavHighlight), 0.0f, 0, 2.0f);
       }
+      place = ImRect(ImGui::GetItemRectMin(), ImGui::GetItemRectMax());
       break;
   }
-  if (ImGui::IsItemFocused() && control.kind != DialogItemKind::Label &&
-      control.kind != DialogItemKind::GroupBox) {
-    s_keyboard.focused = index;
-  }
   ImGui::EndDisabled();
-  ImGui::PopID();
+  return place;
 }
 
-// Draws the dialog as it stands, centred in the window; the frame is left in
-// the window's back buffer.
+// The focus: a thin frame around the control, as the desktop's focus rectangle.
+void DrawFocus(const ImRect& place) {
+  ImGui::GetWindowDrawList()->AddRect(ImVec2(place.Min.x - 2, place.Min.y - 2),
+                                      ImVec2(place.Max.x + 2, place.Max.y + 2),
+                                      ImGui::GetColorU32(ImGuiCol_NavHighlight), 0.0f, 0, 1.0f);
+}
+
+// The open list: below its box (above it when the window has no room), its
+// rows from the first shown, the highlighted one marked, a thumb on the
+// right when not all rows fit.
+void DrawOpenList(const DialogControlInfo& control, const ImRect& box) {
+  DialogNavigator& nav = Navigator();
+  const int count = static_cast<int>(control.entries.size());
+  const int rows = std::min(count, DialogNavigator::VisibleRows(control));
+  const float row = ImGui::GetTextLineHeightWithSpacing();
+  const float height = rows * row + 2;
+  float top = box.Max.y;
+  if (top + height > ImGui::GetIO().DisplaySize.y) top = std::max(0.0f, box.Min.y - height);
+  const ImRect panel(ImVec2(box.Min.x, top), ImVec2(box.Max.x, top + height));
+  ImDrawList* list = ImGui::GetForegroundDrawList();
+  list->AddRectFilled(panel.Min, panel.Max, ImGui::GetColorU32(ImGuiCol_PopupBg));
+  list->AddRect(panel.Min, panel.Max, ImGui::GetColorU32(ImGuiCol_Border));
+  const float padding = ImGui::GetStyle().FramePadding.x;
+  for (int i = 0; i < rows; ++i) {
+    const int entry = nav.FirstShown() + i;
+    if (entry >= count) break;
+    const ImVec2 min(panel.Min.x + 1, panel.Min.y + 1 + i * row);
+    if (entry == nav.Highlight())
+      list->AddRectFilled(min, ImVec2(panel.Max.x - 1, min.y + row),
+                          ImGui::GetColorU32(ImGuiCol_HeaderHovered));
+    list->AddText(ImGui::GetFont(), ImGui::GetFontSize(),
+                  ImVec2(min.x + padding, min.y + (row - ImGui::GetFontSize()) / 2),
+                  TextColour(true), control.entries[entry].c_str());
+  }
+  if (rows < count) {
+    const float thumb = height * rows / count;
+    const float at = panel.Min.y + (height - thumb) * nav.FirstShown() / (count - rows);
+    list->AddRectFilled(ImVec2(panel.Max.x - 4, at), ImVec2(panel.Max.x - 1, at + thumb),
+                        ImGui::GetColorU32(ImGuiCol_ScrollbarGrab));
+  }
+  nav.SetListPlace(
+      ToRect(ImVec2(panel.Min.x, panel.Min.y + 1), ImVec2(panel.Max.x, panel.Max.y - 1)),
+      static_cast<int>(row));
+}
+
+// The caption's close box, at its right end.
+void DrawCloseBox() {
+  const float side = ImGui::GetFrameHeight();
+  const ImVec2 max(ImGui::GetWindowPos().x + ImGui::GetWindowSize().x,
+                   ImGui::GetWindowPos().y + side);
+  const ImVec2 min(max.x - side, max.y - side);
+  ImDrawList* list = ImGui::GetWindowDrawList();
+  list->PushClipRect(min, max);  // the caption lies outside the window's own clip
+  const ImVec2 mouse = ImGui::GetIO().MousePos;
+  if (mouse.x >= min.x && mouse.x < max.x && mouse.y >= min.y && mouse.y < max.y)
+    list->AddRectFilled(min, max, ImGui::GetColorU32(ImGuiCol_ButtonHovered));
+  const float inset = side * 0.3f;
+  const ImU32 colour = ImGui::GetColorU32(ImGuiCol_Text);
+  list->AddLine(ImVec2(min.x + inset, min.y + inset), ImVec2(max.x - inset, max.y - inset), colour);
+  list->AddLine(ImVec2(min.x + inset, max.y - inset), ImVec2(max.x - inset, min.y + inset), colour);
+  list->PopClipRect();
+  Navigator().SetCloseBoxPlace(ToRect(min, max));
+}
+
+// Draws the dialog as it stands, centred in the window, over the window's
+// menu bar and a dimmed world.
 void DrawFrame(const win32::DialogInfo& info) {
   const win32::DialogResource& resource = *info.resource;
   const ImGuiIO& io = ImGui::GetIO();
+  win32::overlay::MenuBar(info.owner);
+  ImGui::GetBackgroundDrawList()->AddRectFilled(ImVec2(0, 0), io.DisplaySize, kDim);
   const float title = ImGui::GetFrameHeight();
   // Dialog units grow with the UI's font on a dense display.
   const float ui = win32::CurrentDisplayScale().ui;
@@ -226,19 +204,52 @@ void DrawFrame(const win32::DialogInfo& info) {
   ImGui::SetNextWindowFocus();
   const ImGuiWindowFlags flags = ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoMove |
                                  ImGuiWindowFlags_NoCollapse | ImGuiWindowFlags_NoSavedSettings |
-                                 ImGuiWindowFlags_NoScrollbar;
+                                 ImGuiWindowFlags_NoScrollbar | ImGuiWindowFlags_NoNav;
+  DialogNavigator& nav = Navigator();
+  nav.ForgetPlaces();
   ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, ImVec2(0, 0));
   if (ImGui::Begin(resource.caption, nullptr, flags)) {
+    DrawCloseBox();
     // The text shrinks with the layout, or the labels would run into the lists.
     ImGui::SetWindowFontScale(shrink);
     const ImVec2 origin(ImGui::GetWindowPos().x, ImGui::GetWindowPos().y + title);
-    for (std::size_t i = 0; i < info.controls.size(); ++i)
-      DrawControl(info.controls[i], static_cast<int>(i), origin, scale);
+    ImRect openBox;
+    for (std::size_t i = 0; i < info.controls.size(); ++i) {
+      const DialogControlInfo& control = info.controls[i];
+      const int index = static_cast<int>(i);
+      ImGui::PushID(index);
+      const ImRect place = DrawControl(
+          control, ImVec2(origin.x + control.x * scale.x, origin.y + control.y * scale.y),
+          ImVec2(control.cx * scale.x, control.cy * scale.y));
+      ImGui::PopID();
+      nav.SetControlPlace(index, ToRect(place.Min, place.Max));
+      if (index == nav.Focused()) DrawFocus(place);
+      if (index == nav.OpenList()) openBox = place;
+    }
+    if (nav.OpenList() >= 0) DrawOpenList(info.controls[nav.OpenList()], openBox);
   }
   ImGui::End();
   ImGui::PopStyleVar();
-  s_keyboard.focusNext = -1;
 }
+
+// Lets a dialog's draw leave the GL state of the context (the device's) as it
+// found it: the device keeps its own account of what is bound.
+struct SavedTarget {
+  GLint drawFramebuffer = 0, readFramebuffer = 0, viewport[4] = {};
+  GLboolean scissor = GL_FALSE;
+  SavedTarget() {
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawFramebuffer);
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &readFramebuffer);
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    scissor = glIsEnabled(GL_SCISSOR_TEST);
+  }
+  ~SavedTarget() {
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(drawFramebuffer));
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(readFramebuffer));
+    glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+    if (scissor) glEnable(GL_SCISSOR_TEST);
+  }
+};
 
 }  // namespace
 
@@ -256,16 +267,22 @@ bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* h
   if (!info.resource || !window || !context || SDL_GL_MakeCurrent(window, context) != 0)
     return false;
   overlay::SetModal(true);
+  if (Navigator().Dialog() != dialog) Navigator().Open(dialog);
   if (!overlay::BeginFrame(info.owner)) return false;
-  ImGui::GetIO().ConfigFlags |= ImGuiConfigFlags_NavEnableKeyboard;
   DrawFrame(info);
-  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+  const SavedTarget saved;
   int w = 0, h = 0;
   SDL_GL_GetDrawableSize(window, &w, &h);
+  if (!overlay::DrawBackdrop(info.owner)) {
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glViewport(0, 0, w, h);
+    glDisable(GL_SCISSOR_TEST);
+    glClearColor(kBackground[0], kBackground[1], kBackground[2], 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+  }
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
   glViewport(0, 0, w, h);
   glDisable(GL_SCISSOR_TEST);
-  glClearColor(kBackground[0], kBackground[1], kBackground[2], 1.0f);
-  glClear(GL_COLOR_BUFFER_BIT);
   overlay::RenderFrame(info.owner);
   if (rgba && width && height) {
     rgba->assign(static_cast<std::size_t>(w) * h * 4, 0);
@@ -288,7 +305,6 @@ bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* h
 namespace win32::detail {
 
 void DialogViewTurn(HWND dialog) {
-  const DialogInfo info = DescribeDialog(dialog);
   // Closing the window (or a request to end the process) answers Cancel.
   const auto& queue = GetState().queue;
   const bool closing = std::any_of(queue.begin(), queue.end(),
@@ -297,10 +313,22 @@ void DialogViewTurn(HWND dialog) {
     EndDialog(dialog, IDCANCEL);
     return;
   }
+  overlay::OverlayState& state = overlay::State();
+  if (Navigator().Dialog() != dialog) {
+    // From the first turn on the dialog has all input, the menu none.
+    state.menu.Reset();
+    overlay::SetModal(true);
+    Navigator().Open(dialog);
+  }
+  if (!state.dialogInput.empty()) {
+    const overlay::InputEvent event = state.dialogInput.front().input;
+    state.dialogInput.pop_front();
+    Navigator().Handle(event);
+    return;
+  }
   if (s_turnHook) s_turnHook(dialog, FindDialog(dialog)->turns - 1, s_turnHookUser);
   GetSource().Pump();
-  DesktopKeys(dialog, info);
-  if (FindDialog(dialog)->ended) return;
+  if (!state.dialogInput.empty() || FindDialog(dialog)->ended) return;
   if (!DrawDialog(dialog, nullptr, nullptr, nullptr)) {
     EndDialog(dialog, IDCANCEL);
     return;
@@ -309,9 +337,21 @@ void DialogViewTurn(HWND dialog) {
 }
 
 void DialogViewClosed() {
+  overlay::OverlayState& state = overlay::State();
   overlay::SetModal(false);
-  if (ImGui::GetCurrentContext()) ImGui::GetIO().ConfigFlags &= ~ImGuiConfigFlags_NavEnableKeyboard;
-  s_keyboard = Keyboard{};
+  Navigator() = DialogNavigator{};
+  // Input the dialog did not get to belongs to the window again, ahead of
+  // anything that came after it.
+  if (state.dialogInput.empty() || !SDL_WasInit(SDL_INIT_EVENTS)) {
+    state.dialogInput.clear();
+    return;
+  }
+  std::vector<SDL_Event> later(256);
+  const int count = SDL_PeepEvents(later.data(), static_cast<int>(later.size()), SDL_GETEVENT,
+                                   SDL_FIRSTEVENT, SDL_LASTEVENT);
+  for (auto& pending : state.dialogInput) SDL_PushEvent(&pending.event);
+  for (int i = 0; i < count; ++i) SDL_PushEvent(&later[i]);
+  state.dialogInput.clear();
 }
 
 }  // namespace win32::detail

@@ -1,19 +1,18 @@
-// The menu bar of a window, drawn with ImGui from the menu data through the
-// Win32 menu calls: popups, separators, item texts with their underlined
-// access keys, radio marks (MF_CHECKED) as bullets on the left, greyed
-// entries and popups (MF_GRAYED). A chosen item posts WM_COMMAND.
-//
-// Keyboard, as on the desktop: Alt+letter opens a popup of the bar; while a
-// popup is open a letter chooses the entry of the innermost popup whose access
-// key it is (opening it, when it is a popup), and Escape closes that popup.
+// The menu bar of a window, drawn with ImGui's draw lists from the menu data
+// (read through the Win32 menu calls) and the bar's model: titles, the open
+// popups with separators, texts with their underlined access keys, radio
+// marks (MF_CHECKED) as bullets on the left, arrows on popup entries, greyed
+// entries (MF_GRAYED), and the highlight. It decides nothing: keys and clicks
+// go to the model (Win32MenuNavigator.h), which is told here where each
+// thing was drawn.
 #include <imgui.h>
 #include <imgui_internal.h>
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 #include "platform/win32/Win32Backend.h"
+#include "platform/win32/overlay/Win32AccessLabel.h"
 #include "platform/win32/overlay/Win32Overlay.h"
 #include "platform/win32/overlay/Win32OverlayState.h"
 
@@ -21,185 +20,169 @@ namespace win32::overlay {
 
 namespace {
 
-// An entry's text as shown (ampersands taken out) and the place of the
-// underlined letter in it, or -1.
-struct Label {
-  std::string shown;
-  int underline = -1;
-  char key = 0;
-};
-
-Label MakeLabel(const char* text) {
-  Label label;
-  for (const char* c = text; *c; ++c) {
-    if (*c == '&' && c[1] == '&') {
-      label.shown += '&';
-      ++c;
-    } else if (*c == '&' && c[1] && label.underline < 0) {
-      label.underline = static_cast<int>(label.shown.size());
-      label.key = static_cast<char>(std::toupper(static_cast<unsigned char>(c[1])));
-    } else if (*c != '&') {
-      label.shown += *c;
-    }
-  }
-  return label;
-}
-
-std::string EntryText(HMENU menu, int position) {
+AccessLabel LabelOf(HMENU menu, int position) {
   char text[256] = {};
   GetMenuStringA(menu, static_cast<UINT>(position), text, sizeof text, MF_BYPOSITION);
-  return text;
+  return MakeAccessLabel(text);
 }
 
-// Draws the line under the access key of a label whose text starts at `at`.
-void Underline(const Label& label, ImVec2 at, bool enabled) {
-  if (label.underline < 0) return;
-  const std::string& s = label.shown;
-  const float x0 = at.x + ImGui::CalcTextSize(s.c_str(), s.c_str() + label.underline).x;
-  const float x1 =
-      x0 + ImGui::CalcTextSize(s.c_str() + label.underline, s.c_str() + label.underline + 1).x;
-  const float y = at.y + ImGui::GetFontSize();
-  const ImU32 color = ImGui::GetColorU32(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled);
-  ImGui::GetWindowDrawList()->AddLine(ImVec2(x0, y), ImVec2(x1 - 1.0f, y), color);
+RECT ToRect(ImVec2 min, ImVec2 max) {
+  return {static_cast<LONG>(min.x), static_cast<LONG>(min.y), static_cast<LONG>(max.x),
+          static_cast<LONG>(max.y)};
 }
 
-// A radio mark: a bullet in the column before the text.
-void Bullet(ImVec2 at, bool enabled) {
-  const float size = ImGui::GetFontSize();
-  const ImU32 color = ImGui::GetColorU32(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled);
-  ImGui::GetWindowDrawList()->AddCircleFilled(ImVec2(at.x + size * 0.4f, at.y + size * 0.5f),
-                                              size * 0.2f, color);
+ImU32 TextColour(bool enabled) {
+  return ImGui::GetColorU32(enabled ? ImGuiCol_Text : ImGuiCol_TextDisabled);
 }
 
-void RecordPlace(HMENU menu, int position) {
-  const ImVec2 min = ImGui::GetItemRectMin();
-  const ImVec2 max = ImGui::GetItemRectMax();
-  State().drawn[{menu, position}] = {static_cast<LONG>(min.x), static_cast<LONG>(min.y),
-                                     static_cast<LONG>(max.x), static_cast<LONG>(max.y)};
-}
-
-// The column of bullets: every entry of a popup reserves it, so texts align.
-constexpr const char* kMarkColumn = "  ";
-
-void Popup(HWND hWnd, HMENU menu);
-
-// One entry of a popup at `position`. A pending access key acts on it here
-// when this popup was the innermost one.
-void Entry(HWND hWnd, HMENU menu, int position, char key) {
-  const UINT state = GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION);
-  if (state & MF_SEPARATOR) {
-    ImGui::Separator();
-    return;
+// Sizes of a popup, from the style and font of the frame.
+struct PopupMetrics {
+  ImVec2 padding;
+  float entry = 0, separator = 0, mark = 0, arrow = 0;
+  PopupMetrics() {
+    const ImGuiStyle& style = ImGui::GetStyle();
+    padding = style.WindowPadding;
+    entry = ImGui::GetFontSize() + style.ItemSpacing.y;
+    separator = style.ItemSpacing.y + 1.0f;
+    mark = ImGui::GetFontSize();
+    arrow = ImGui::GetFontSize() + style.ItemSpacing.x;
   }
-  const Label label = MakeLabel(EntryText(menu, position).c_str());
-  const bool enabled = (state & (MF_GRAYED | MF_DISABLED)) == 0;
-  const bool chosenByKey = key != 0 && enabled && label.key == key;
-  const std::string id = label.shown + "##" + std::to_string(position);
-  const ImVec2 at = ImGui::GetCursorScreenPos();
-  const float offsetLabel = ImGui::GetCurrentWindow()->DC.MenuColumns.OffsetLabel;
-  HMENU popup = GetSubMenu(menu, position);
-  if (popup) {
-    if (chosenByKey) ImGui::OpenPopup(id.c_str());
-    // Once the popup has ended, the last item is this entry again and the
-    // drawing goes to this popup's window, not the child's.
-    if (ImGui::BeginMenuEx(id.c_str(), kMarkColumn, enabled)) {
-      Popup(hWnd, popup);
-      ImGui::EndMenu();
+};
+
+ImVec2 PopupSize(HMENU menu, const PopupMetrics& m) {
+  float text = 0, height = 0;
+  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    if (GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION) & MF_SEPARATOR) {
+      height += m.separator;
+    } else {
+      text = std::max(text, ImGui::CalcTextSize(LabelOf(menu, i).shown.c_str()).x);
+      height += m.entry;
     }
-    RecordPlace(menu, position);
-    Underline(label, ImVec2(at.x + offsetLabel, at.y), enabled);
-    return;
   }
-  const UINT command = GetMenuItemID(menu, position);
-  const bool clicked = ImGui::MenuItemEx(id.c_str(), kMarkColumn, nullptr, false, enabled);
-  RecordPlace(menu, position);
-  Underline(label, ImVec2(at.x + offsetLabel, at.y), enabled);
-  if (state & MF_CHECKED)
-    Bullet(ImVec2(at.x + ImGui::GetCurrentWindow()->DC.MenuColumns.OffsetIcon, at.y), enabled);
-  if (chosenByKey) ImGui::CloseCurrentPopup();  // the whole chain of popups
-  if (clicked || chosenByKey) PostMessageA(hWnd, WM_COMMAND, command, 0);
+  return ImVec2(2 * m.padding.x + m.mark + text + m.arrow, 2 * m.padding.y + height);
 }
 
-void Popup(HWND hWnd, HMENU menu) {
-  OverlayState& state = State();
-  // Only the innermost popup of the last frame answers a key; the key is
-  // used up either way.
-  char key = 0;
-  if (menu == state.innermost && state.accessKey) {
-    key = state.accessKey;
-    state.accessKey = 0;
+struct DrawnPopup {
+  ImRect panel;
+  ImRect open;  // the entry whose popup is open beside it
+};
+
+// Draws the popup of `menu` with its top left at `at`, kept inside the
+// window's height; `highlight` is the highlighted position or -1, `open`
+// the entry whose sub-popup is open, or -1.
+DrawnPopup DrawPopup(HMENU menu, ImVec2 at, int highlight, int open, MenuNavigator& nav) {
+  const PopupMetrics m;
+  const ImVec2 size = PopupSize(menu, m);
+  const ImVec2 display = ImGui::GetIO().DisplaySize;
+  at.y = std::max(0.0f, std::min(at.y, display.y - size.y));
+  ImDrawList* list = ImGui::GetBackgroundDrawList();
+  DrawnPopup drawn;
+  drawn.panel = ImRect(at, ImVec2(at.x + size.x, at.y + size.y));
+  const ImVec2 max = drawn.panel.Max;
+  list->AddRectFilled(at, max, ImGui::GetColorU32(ImGuiCol_PopupBg));
+  list->AddRect(at, max, ImGui::GetColorU32(ImGuiCol_Border));
+  nav.SetPanelPlace(menu, ToRect(at, max));
+  float y = at.y + m.padding.y;
+  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    const UINT state = GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
+    if (state & MF_SEPARATOR) {
+      const float middle = IM_FLOOR(y + m.separator / 2);
+      list->AddLine(ImVec2(at.x + 1, middle), ImVec2(max.x - 1, middle),
+                    ImGui::GetColorU32(ImGuiCol_Separator));
+      y += m.separator;
+      continue;
+    }
+    const ImRect entry(at.x + m.padding.x / 2, y, max.x - m.padding.x / 2, y + m.entry);
+    if (i == highlight)
+      list->AddRectFilled(entry.Min, entry.Max, ImGui::GetColorU32(ImGuiCol_HeaderHovered));
+    if (i == open) drawn.open = entry;
+    nav.SetEntryPlace(menu, i, ToRect(entry.Min, entry.Max));
+    const bool enabled = (state & (MF_GRAYED | MF_DISABLED)) == 0;
+    const float textTop = y + (m.entry - ImGui::GetFontSize()) / 2;
+    const float left = at.x + m.padding.x;
+    if (state & MF_CHECKED) {
+      list->AddCircleFilled(ImVec2(left + m.mark * 0.4f, textTop + m.mark * 0.5f), m.mark * 0.2f,
+                            TextColour(enabled));
+    }
+    DrawAccessLabel(list, ImVec2(left + m.mark, textTop), LabelOf(menu, i), TextColour(enabled));
+    if (state & MF_POPUP) {
+      ImGui::RenderArrow(list, ImVec2(max.x - m.padding.x - ImGui::GetFontSize(), textTop),
+                         TextColour(enabled), ImGuiDir_Right);
+    }
+    y += m.entry;
   }
-  state.innermostThisFrame = menu;
-  const int count = GetMenuItemCount(menu);
-  for (int i = 0; i < count; ++i) Entry(hWnd, menu, i, key);
+  return drawn;
+}
+
+// A sub-popup opens beside its entry, on the left when the right has no room.
+ImVec2 BesideEntry(const DrawnPopup& parent, HMENU popup) {
+  const PopupMetrics m;
+  const float width = PopupSize(popup, m).x;
+  float x = parent.panel.Max.x - 1;
+  if (x + width > ImGui::GetIO().DisplaySize.x) x = std::max(0.0f, parent.panel.Min.x - width + 1);
+  return ImVec2(x, parent.open.Min.y - m.padding.y);
+}
+
+// The position in `menu` of the entry that opens `popup`, or -1.
+int PositionOf(HMENU menu, HMENU popup) {
+  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    if (GetSubMenu(menu, i) == popup) return i;
+  }
+  return -1;
 }
 
 }  // namespace
 
-char AccessKey(const char* text) {
-  return text ? MakeLabel(text).key : 0;
-}
-
-bool IsBarAccessKey(HWND hWnd, char key) {
-  HMENU bar = win32::MenuBarHeight(hWnd) > 0 ? GetMenu(hWnd) : nullptr;
-  const int count = bar ? GetMenuItemCount(bar) : 0;
-  for (int i = 0; i < count; ++i) {
-    const UINT state = GetMenuState(bar, static_cast<UINT>(i), MF_BYPOSITION);
-    if (!(state & (MF_GRAYED | MF_DISABLED)) && AccessKey(EntryText(bar, i).c_str()) == key)
-      return true;
-  }
-  return false;
-}
-
 bool EntryRect(HMENU menu, int position, RECT* rect) {
-  const auto found = State().drawn.find({menu, position});
-  if (found == State().drawn.end() || !rect) return false;
-  *rect = found->second;
-  return true;
+  return State().menu.EntryPlace(menu, position, rect);
+}
+
+bool PopupOpen() {
+  return State().menu.PopupOpen();
 }
 
 void MenuBar(HWND hWnd) {
-  HMENU bar = win32::MenuBarHeight(hWnd) > 0 ? GetMenu(hWnd) : nullptr;
+  const int barHeight = win32::MenuBarHeight(hWnd);
+  HMENU bar = barHeight > 0 ? GetMenu(hWnd) : nullptr;
   if (!bar) return;
-  OverlayState& state = State();
-  ImGuiContext& g = *ImGui::GetCurrentContext();
-  const int open = g.OpenPopupStack.Size;
-  const int close = state.closeAll ? open : std::min(state.escapes, open);
-  if (close > 0) ImGui::ClosePopupToLevel(open - close, true);
-  state.escapes = 0;
-  state.closeAll = false;
-  state.innermostThisFrame = nullptr;
-  state.drawn.clear();
-  if (!ImGui::BeginMainMenuBar()) return;
-  const char altKey = state.altKey;
-  state.altKey = 0;
-  const int count = GetMenuItemCount(bar);
-  for (int i = 0; i < count; ++i) {
-    const UINT itemState = GetMenuState(bar, static_cast<UINT>(i), MF_BYPOSITION);
-    HMENU popup = GetSubMenu(bar, i);
-    const Label label = MakeLabel(EntryText(bar, i).c_str());
-    const bool enabled = (itemState & (MF_GRAYED | MF_DISABLED)) == 0;
-    const std::string id = label.shown + "##bar" + std::to_string(i);
-    if (altKey && enabled && label.key == altKey) ImGui::OpenPopup(id.c_str());
-    // In the bar the text starts half an item spacing after the cursor.
-    ImVec2 at = ImGui::GetCursorScreenPos();
-    at.x += IM_FLOOR(ImGui::GetStyle().ItemSpacing.x * 0.5f);
-    at.y += ImGui::GetCurrentWindow()->DC.CurrLineTextBaseOffset;
-    if (popup) {
-      if (ImGui::BeginMenu(id.c_str(), enabled)) {
-        Popup(hWnd, popup);
-        ImGui::EndMenu();
-      }
-      RecordPlace(bar, i);
-      Underline(label, at, enabled);
-    } else if (ImGui::MenuItem(id.c_str(), nullptr, false, enabled)) {
-      PostMessageA(hWnd, WM_COMMAND, GetMenuItemID(bar, i), 0);
+  MenuNavigator& nav = State().menu;
+  nav.ForgetPlaces();
+  const ImGuiStyle& style = ImGui::GetStyle();
+  const float height = static_cast<float>(barHeight);
+  const float width = ImGui::GetIO().DisplaySize.x;
+  ImDrawList* list = ImGui::GetBackgroundDrawList();
+  list->AddRectFilled(ImVec2(0, 0), ImVec2(width, height), ImGui::GetColorU32(ImGuiCol_MenuBarBg));
+  nav.SetBarPlace(ToRect(ImVec2(0, 0), ImVec2(width, height)));
+  // Titles as ImGui lays out a main menu bar: text after half an item
+  // spacing, the highlight over the text and that spacing on both sides.
+  const float spacing = style.ItemSpacing.x;
+  float x = std::max(style.WindowPadding.x, spacing);
+  const float textTop = IM_FLOOR((height - ImGui::GetFontSize()) / 2);
+  ImRect openTitle;
+  for (int i = 0; i < GetMenuItemCount(bar); ++i) {
+    const AccessLabel label = LabelOf(bar, i);
+    const float textWidth = ImGui::CalcTextSize(label.shown.c_str()).x;
+    const ImRect title(x - spacing / 2, 0, x + textWidth + spacing / 2, height);
+    if (i == nav.BarHighlight()) {
+      list->AddRectFilled(title.Min, title.Max, ImGui::GetColorU32(ImGuiCol_HeaderHovered));
+      openTitle = title;
     }
+    nav.SetTitlePlace(i, ToRect(title.Min, title.Max));
+    nav.SetEntryPlace(bar, i, ToRect(title.Min, title.Max));
+    const bool enabled =
+        (GetMenuState(bar, static_cast<UINT>(i), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED)) == 0;
+    DrawAccessLabel(list, ImVec2(x, textTop), label, TextColour(enabled));
+    x += textWidth + 2 * spacing;
   }
-  ImGui::EndMainMenuBar();
-  // A key that found no open popup (the popup closed meanwhile) is dropped.
-  state.accessKey = 0;
-  state.innermost = state.innermostThisFrame;
+  // The open popups, each beside the entry that opened it.
+  const auto& levels = nav.Levels();
+  ImVec2 at(openTitle.Min.x, height);
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    const bool deeper = i + 1 < levels.size();
+    const int open = deeper ? PositionOf(levels[i].menu, levels[i + 1].menu) : -1;
+    const DrawnPopup drawn = DrawPopup(levels[i].menu, at, levels[i].highlight, open, nav);
+    if (deeper) at = BesideEntry(drawn, levels[i + 1].menu);
+  }
 }
 
 }  // namespace win32::overlay

@@ -9,17 +9,17 @@
 //    and live to the end of the process. Its settings file is off: the
 //    program writes no file.
 //  - Input comes from the win32 layer's event hook (Win32Backend.h), which
-//    the overlay installs with its context. SDL events feed ImGui's mouse,
-//    wheel and keys whether the overlay takes them or not. The overlay takes
-//    (so that no window message comes of it):
-//      * mouse presses over the menu bar or while a popup is open, and the
-//        release of a press it took;
-//      * every key press while a popup is open (Escape closes the innermost
-//        popup, a letter chooses by access key), and Alt+letter when the
-//        letter is the access key of a popup of the bar;
-//      * everything but window events while SetModal(true) is in force.
-//    Presses and releases that arrive within one frame are both seen: a
-//    press is latched until the next BeginFrame.
+//    the overlay installs with its context. Every key and mouse event goes,
+//    in order, to the model of the menu bar (Win32MenuNavigator.h) or, while
+//    SetModal(true) is in force, to the open dialog's (its view queues them,
+//    Win32DialogView.cpp); the models decide what a key or click does, and
+//    ImGui only draws. A press and release within one frame are one press.
+//    The overlay takes (so that no window message comes of it):
+//      * every key while the menu is active (menu mode, or a popup open),
+//        Alt+letter of a title, F10, and the Alt tap that enters menu mode;
+//      * presses on the bar, presses while the menu is active, and the
+//        release of every press it took;
+//      * everything but window events while a modal dialog is up.
 //  - BeginFrame / RenderFrame bracket one UI frame, with a GL 3.3 context
 //    current on the window. RenderFrame draws into the window's default
 //    framebuffer over the whole window and saves and restores every GL state
@@ -56,6 +56,13 @@ void SetModal(bool modal);
 
 // True while a popup of the menu bar is open.
 bool PopupOpen();
+
+// What lies under a modal dialog: draws the last frame shown in the window
+// into its default framebuffer and gives true, or gives false when it has
+// none. The GL device puts this in (it keeps the frames); the dialog view
+// restores the bindings and viewport it changes.
+using BackdropHook = bool (*)(HWND hWnd);
+void SetBackdropHook(BackdropHook hook);
 
 // Where the entry at `position` of a menu was drawn in the last UI frame,
 // in the window's coordinates (the bar's top at 0); false when it was not

@@ -1,39 +1,35 @@
-// Internal to the overlay: what its input side (Win32Overlay.cpp) and the
-// menu bar (Win32MenuBar.cpp) share between frames.
+// Internal to the overlay: what its input side (Win32Overlay.cpp), the menu
+// bar (Win32MenuBar.cpp) and the dialog view (Win32DialogView.cpp) share.
 #pragma once
 
-#include <map>
-#include <utility>
+#include <SDL.h>
 
-#include "platform/win32/windows.h"
+#include <deque>
+
+#include "platform/win32/overlay/Win32DialogNavigator.h"
+#include "platform/win32/overlay/Win32MenuNavigator.h"
 
 namespace win32::overlay {
 
 struct OverlayState {
-  // Keys the overlay took, for the menu bar of the next frame: a letter or
-  // digit of an access key (upper case), Escapes, and Alt+letter of the bar.
-  char accessKey = 0;
-  int escapes = 0;  // each closes one popup, the innermost first
-  char altKey = 0;
-  // The innermost popup that was open at the end of the last frame; the
-  // access key of the next frame chooses among its items.
-  HMENU innermost = nullptr;
-  HMENU innermostThisFrame = nullptr;
-  // The bar went away (full screen) with a popup open: close all at its return.
-  bool closeAll = false;
-  bool popupOpen = false;
-  // Where each entry was drawn in the last frame, by menu and position.
-  std::map<std::pair<HMENU, int>, RECT> drawn;
+  MenuNavigator menu;
+  DialogNavigator dialog;
+  // Input for the open dialog, in order, each with the SDL event it came
+  // from: the dialog takes one per turn of its loop, and what it has not
+  // taken when it ends goes back to SDL's queue for the window.
+  struct DialogInput {
+    InputEvent input;
+    SDL_Event event;
+  };
+  std::deque<DialogInput> dialogInput;
   bool modal = false;
 };
 
 OverlayState& State();
 
-// The access key of a menu text: the letter after the first single '&',
-// upper case; 0 when there is none.
-char AccessKey(const char* text);
-
-// Whether a letter is the access key of a popup of the window's bar.
-bool IsBarAccessKey(HWND hWnd, char key);
+// Draws the window's last frame into its default framebuffer, as the
+// backdrop of a modal dialog; false when nobody can (no backdrop hook, or
+// no frame of this window).
+bool DrawBackdrop(HWND hWnd);
 
 }  // namespace win32::overlay

@@ -70,24 +70,6 @@ void WindowEvent(const SDL_WindowEvent& event) {
   }
 }
 
-// Modifier keys report their generic code in messages, their sided code in
-// the table.
-BYTE MessageKey(BYTE vk) {
-  switch (vk) {
-    case VK_LSHIFT:
-    case VK_RSHIFT:
-      return VK_SHIFT;
-    case VK_LCONTROL:
-    case VK_RCONTROL:
-      return VK_CONTROL;
-    case VK_LMENU:
-    case VK_RMENU:
-      return VK_MENU;
-    default:
-      return vk;
-  }
-}
-
 void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
   const BYTE vk = VirtualKeyOfSdl(event.keysym.sym, event.keysym.scancode);
   if (vk == 0) return;
@@ -98,7 +80,9 @@ void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
   SetKeyHeld(vk, down);
   if (taken) return;
   const bool alt = (keys[VK_MENU] & 0x80) != 0;
-  const BYTE messageKey = MessageKey(vk);
+  // Modifier keys report their generic code in messages, their sided code in
+  // the table.
+  const BYTE messageKey = GenericKey(vk);
   UINT message = down ? WM_KEYDOWN : WM_KEYUP;
   if (alt || messageKey == VK_MENU || messageKey == VK_F10)
     message = down ? WM_SYSKEYDOWN : WM_SYSKEYUP;
@@ -139,12 +123,15 @@ void ButtonEvent(const SDL_MouseButtonEvent& event, bool taken) {
 // Mouse events move the back end's cursor (see SdlBackEnd::Cursor).
 void CursorMoved(const SDL_Event& event);
 
-void Translate(const SDL_Event& event) {
+// Gives whether the overlay took the event.
+bool Translate(const SDL_Event& event) {
   // Controllers are the layer's own input: the overlay never sees them.
-  if (Gamepad().Handle(event, SdlSource().Counter())) return;
+  if (Gamepad().Handle(event, SdlSource().Counter())) return false;
   State& state = GetState();
-  const bool taken = state.hook && event.type != SDL_WINDOWEVENT && event.type != SDL_QUIT &&
-                     state.hook(event, state.hookUser);
+  // Window events go to the hook too (a menu closes when the window loses
+  // the focus), but are never taken: the layer's state must follow them.
+  const bool taken = state.hook && event.type != SDL_QUIT && state.hook(event, state.hookUser) &&
+                     event.type != SDL_WINDOWEVENT;
   switch (event.type) {
     case SDL_WINDOWEVENT:
       WindowEvent(event.window);
@@ -174,6 +161,7 @@ void Translate(const SDL_Event& event) {
     default:
       break;
   }
+  return taken;
 }
 
 class SdlBackEnd final : public Source {
@@ -182,7 +170,15 @@ class SdlBackEnd final : public Source {
     if (!SDL_WasInit(SDL_INIT_EVENTS)) return;
     Gamepad().Start();
     SDL_Event event;
-    while (SDL_PollEvent(&event)) Translate(event);
+    std::deque<MSG>& queue = GetState().queue;
+    while (SDL_PollEvent(&event)) {
+      const std::size_t before = queue.size();
+      // A taken event makes no message of its own, so a message now is a
+      // menu command it chose. The command runs before the input behind it,
+      // as posted messages come before input on the desktop: that input may
+      // be for the dialog the command opens.
+      if (Translate(event) && queue.size() > before) break;
+    }
     Gamepad().Tick(Counter());
   }
 

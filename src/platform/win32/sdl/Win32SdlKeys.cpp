@@ -112,6 +112,22 @@ BYTE VirtualKeyOfSdl(int keycode, int scancode) {
   return 0;
 }
 
+BYTE GenericKey(BYTE vk) {
+  switch (vk) {
+    case VK_LSHIFT:
+    case VK_RSHIFT:
+      return VK_SHIFT;
+    case VK_LCONTROL:
+    case VK_RCONTROL:
+      return VK_CONTROL;
+    case VK_LMENU:
+    case VK_RMENU:
+      return VK_MENU;
+    default:
+      return vk;
+  }
+}
+
 bool IsExtendedKey(BYTE vk) {
   for (BYTE extended : kExtended) {
     if (extended == vk) return true;

@@ -1,0 +1,87 @@
+// The real program worked with the keyboard alone, every key a quick tap
+// whose press and release are pushed within one frame, as automation and
+// remote desktops send them: Camera > Third Person and Fill Mode > Wireframe
+// by arrows, the settings dialog cancelled and then accepted, and the run
+// ended by Escapes, one a level.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "e2e/menu/SdlPlan.h"
+#include "platform/win32/Win32Dialogs.h"
+
+namespace {
+
+using namespace sdl_plan;
+
+// The dialog's window colour with no world behind it.
+constexpr std::uint32_t kBareBackground = 0x2E333D;
+
+struct DialogShot {
+  int dialogs = 0;
+  std::vector<std::uint8_t> rgba;
+  int width = 0, height = 0;
+} s_dialog;
+
+// The first turn of each dialog; the first dialog's picture is kept.
+void OnTurn(HWND dialog, std::uint32_t turn, void*) {
+  if (turn != 0 || ++s_dialog.dialogs > 1) return;
+  win32::DrawDialog(dialog, &s_dialog.rgba, &s_dialog.width, &s_dialog.height);
+}
+
+TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
+  win32::SetDialogTurnHook(&OnTurn, nullptr);
+  Picture before;
+  CD3DSettings settings{};
+  IDirect3DDevice9* device = nullptr;
+  Then([&] {
+    before = BackBuffer(), Taps("alt right down down down enter");
+  });           // Camera, Third Person
+  Then([] {});  // the trailing camera settles behind the body
+  Then([&] {
+    ASSERT_EQ(App().m_player.GetCameraMode(), CAM_MODE_3RD_PERSON);
+    EXPECT_GT(ChangedBelow(before, BackBuffer()), before.size() / 10)
+        << "no body box in the middle";
+    Taps("alt right right down right down enter");  // Render States, Fill Mode, Wireframe
+  });
+  Then([&] {
+    EXPECT_EQ(App().m_fillMode, D3DFILL_WIREFRAME);
+    EXPECT_GT(Share(BackBuffer(), kClear), 0.2) << "no lines with the clear colour between them";
+    settings = App().m_settings, device = App().m_device;
+    // Change Device; in the dialog, the next multisample type; Escape cancels.
+    Taps("alt+F c alt+M down esc");
+  });
+  Then([&] {
+    EXPECT_EQ(s_dialog.dialogs, 1);
+    EXPECT_EQ(App().m_device, device);
+    EXPECT_EQ(std::memcmp(&App().m_settings, &settings, sizeof settings), 0);
+    EXPECT_GT(Share(BackBuffer(), kClear), 0.2) << "the world stands still after Cancel";
+    // Again; the next multisample type and vertex processing; Enter is OK.
+    Taps("alt+F c alt+M down tab tab down enter");
+  });
+  Then([&] {
+    EXPECT_EQ(s_dialog.dialogs, 2);
+    EXPECT_NE(App().m_device, device);
+    const CD3DDisplaySettings &was = settings.GetCurrentSettings(),
+                              &now = App().m_settings.GetCurrentSettings();
+    EXPECT_NE(now.m_multiSampleType, was.m_multiSampleType);
+    EXPECT_NE(now.m_vertexProcessing, was.m_vertexProcessing);
+    EXPECT_EQ(now.m_presentInterval, was.m_presentInterval);
+    EXPECT_GT(Share(BackBuffer(), kClear), 0.2) << "the new device draws the world in wireframe";
+    // Each Escape closes one level; the third reaches the world and ends the run.
+    Taps("alt+F esc esc");
+  });
+  Then([] { Taps("esc"); });
+  RunPlan();
+  // Under the dialog the window showed the world, dimmed, not a bare colour.
+  const std::size_t pixels = s_dialog.rgba.size() / 4;
+  ASSERT_GT(pixels, 0u);
+  std::size_t bare = 0;
+  for (std::size_t i = 0; i < pixels; ++i) {
+    const std::uint8_t* p = &s_dialog.rgba[i * 4];
+    bare += (std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2]) == kBareBackground;
+  }
+  EXPECT_LT(double(bare) / double(pixels), 0.01);
+}
+
+}  // namespace
