@@ -65,7 +65,7 @@ void DialogNavigator::Handle(const InputEvent& event) {
   const DialogInfo info = DescribeDialog(dialog_);
   // A refill may have emptied or disabled the open list.
   const DialogControlInfo* open = At(info, openList_);
-  if (open && (!open->enabled || open->entries.empty())) openList_ = -1;
+  if (!open || !open->enabled || open->entries.empty()) openList_ = -1, open = nullptr;
   switch (event.kind) {
     case Kind::KeyDown:
       if (openList_ >= 0) {
