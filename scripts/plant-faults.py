@@ -46,6 +46,10 @@ FAULTS = [
     F("add-op-mapping", "src/app/GameAppMessages.cpp", "= D3DTOP_ADD;", "= D3DTOP_SUBTRACT;", "mapping swapped"),
     F("sky-zwrite-restore", "src/app/GameAppSkyBox.cpp", "  m_device->SetRenderState(D3DRS_ZWRITEENABLE, TRUE);\n", "",
       "state restore skipped"),
+    F("device-creation-text", "src/app/GameAppDevice.cpp", '"Device creation failed. The application will now exit."',
+      '"Device creation failed. The application will exit now."', "message text changed"),
+    F("device-creation-quit", "src/app/GameAppDevice.cpp",
+      "    PostQuitMessage(0);\n    return;\n  }\n  m_device", "    return;\n  }\n  m_device", "quit not posted"),
     F("strafe-keys", "src/app/GameAppInput.cpp", "|= MOVE_LEFT;", "|= MOVE_RIGHT;", "key mapping swapped"),
     F("swim-band-edge", "src/app/GameAppSound.cpp", "water = y >= kDeepBelow", "water = y > kDeepBelow",
       "comparison made strict"),
@@ -123,6 +127,8 @@ FAULTS = [
     F("odd-row-split", "src/terrain/TerrainHeight.cpp", "if (fz <= fx) {", "if (fz >= fx) {", "comparison reversed"),
     F("placing-order", "src/terrain/TerrainBlocks.cpp", "  PlaceTrees();\n  PlaceWeeds();",
       "  PlaceWeeds();\n  PlaceTrees();", "call order swapped"),
+    F("water-zwrite-restore", "src/terrain/TerrainWater.cpp",
+      "  m_device->SetRenderState(D3DRS_ZWRITEENABLE, TRUE);\n", "", "state restore skipped"),
     F("two-pass-blend", "src/terrain/TerrainRender.cpp", "DESTBLEND, D3DBLEND_SRCCOLOR", "DESTBLEND, D3DBLEND_ZERO",
       "wrong blend word"),
 
@@ -130,6 +136,10 @@ FAULTS = [
     F("lift-ceiling", "src/view/Player.cpp", "LIFT_CEILING = 872.0f;", "LIFT_CEILING = 865.0f;", "threshold moved"),
     F("friction-clamp", "src/view/Player.cpp", "  if (length < amount) amount = length;\n", "", "clamping dropped"),
     F("frustum-corner", "src/view/Camera.cpp", "? min.x : max.x", "? max.x : min.x", "mapping swapped"),
+    F("diver-tint-colour", "src/view/CameraWaterOverlay.cpp", "TINT_FULL_SCREEN = 0xBF547686u;",
+      "TINT_FULL_SCREEN = 0xBF547687u;", "wrong colour word"),
+    F("diver-tint-depth", "src/view/CameraWaterOverlay.cpp", "if (level >= nearY)", "if (level >= m_position.y)",
+      "condition changed"),
     F("chase-lag", "src/view/Cam3rdPerson.cpp", "(1.0f / lag) * timeScale", "lag * timeScale", "timer arithmetic"),
 
     F("rain-fall-per-frame", "src/world/Rain.cpp", "= 16.0f;", "= 15.0f;", "constant changed"),
@@ -143,6 +153,14 @@ FAULTS = [
     F("plant-sort-direction", "src/world/Plants.cpp", "if (d2 > d1)", "if (d2 < d1)", "sort pass reversed"),
     F("tower-zone-edges", "src/world/TerrainPlacement.cpp", "z <= 2800 || z >= 5200", "z < 2800 || z > 5200",
       "comparison made strict"),
+    F("tower-zone-x-edge", "src/world/TerrainPlacement.cpp", "(x > 1800 &&", "(x >= 1800 &&",
+      "comparison made non-strict"),
+    F("tower-zone-two-span", "src/world/TerrainPlacement.cpp", "x > 5800 && x < 8200", "x > 5800 && x < 7200",
+      "zone span changed"),
+    F("figure-wing-corner", "src/world/Figures.cpp", "z - sinA * px + cosA * pz", "z + sinA * px + cosA * pz",
+      "sign flipped"),
+    F("figure-random-heading", "src/world/Figures.cpp", "crt::rand() % 360)", "crt::rand() % 359)",
+      "modulus changed"),
 ]
 
 TEST_ENV = {"SDL_AUDIODRIVER": "dummy", "LIBGL_ALWAYS_SOFTWARE": "1"}

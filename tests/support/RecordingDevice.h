@@ -3,9 +3,9 @@
 // Every device call is appended to a log as a DeviceCall (method name plus its
 // arguments as numbers), so a test can compare what the code under test sent
 // with what it should have sent. The fake also keeps the current render,
-// sampler and stage states (with the platform's defaults) and transforms, and
-// makes buffers and textures with real memory, so Lock/LockRect work and the
-// contents can be read back.
+// sampler and stage states (with the platform's defaults), and makes buffers
+// and textures with real memory, so Lock/LockRect work and the contents can
+// be read back.
 //
 // Reference counts behave like the platform's: Create* hands out one
 // reference, SetTexture/SetStreamSource/SetIndices hold one while bound.
@@ -46,6 +46,11 @@ inline DeviceCalls operator+(DeviceCalls a, const DeviceCalls& b) {
 }
 
 inline double Ptr(const void* p) { return static_cast<double>(reinterpret_cast<std::uintptr_t>(p)); }
+// A render state and a texture stage state as the log holds them.
+inline DeviceCall RS(DWORD state, DWORD value) { return {"SetRenderState", {double(state), double(value)}}; }
+inline DeviceCall Tss(DWORD stage, DWORD type, DWORD value) {
+  return {"SetTextureStageState", {double(stage), double(type), double(value)}};
+}
 
 inline std::ostream& operator<<(std::ostream& os, const DeviceCall& c) {
   os << c.method << "(";
@@ -66,7 +71,6 @@ namespace detail {
 struct SharedLog {
   std::vector<DeviceCall> calls;
   int liveResources = 0;
-  HRESULT lockResult = D3D_OK;
 };
 
 // One reference from Create*; the last Release deletes and is counted.
@@ -95,14 +99,12 @@ class FakeResource : public Interface {
 template <class Interface>
 class FakeBuffer : public FakeResource<Interface> {
  public:
-  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, DWORD format, D3DPOOL pool)
-      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), format_(format),
-        pool_(pool) {}
+  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, D3DPOOL pool)
+      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), pool_(pool) {}
   HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
     this->log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
     if (data == nullptr || offset > bytes_.size() || (size != 0 && offset + size > bytes_.size()))
       return D3DERR_INVALIDCALL;
-    if (this->log_->lockResult < 0) return this->log_->lockResult;
     *data = bytes_.data() + offset;
     locked_ = true;
     return D3D_OK;
@@ -116,15 +118,12 @@ class FakeBuffer : public FakeResource<Interface> {
 
   const std::vector<std::uint8_t>& Bytes() const { return bytes_; }
   DWORD Usage() const { return usage_; }
-  DWORD Format() const { return format_; }  // FVF of a vertex buffer, D3DFORMAT of an index buffer
   D3DPOOL Pool() const { return pool_; }
-  bool Locked() const { return locked_; }
 
  private:
   std::string kind_;
   std::vector<std::uint8_t> bytes_;
   DWORD usage_;
-  DWORD format_;
   D3DPOOL pool_;
   bool locked_ = false;
 };
@@ -154,7 +153,6 @@ class FakeTexture : public FakeResource<IDirect3DTexture9> {
   HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD flags) override {
     log_->calls.push_back({"Texture.LockRect", {double(level), Ptr(area), double(flags)}});
     if (level >= levels_.size() || rect == nullptr || area != nullptr) return D3DERR_INVALIDCALL;
-    if (log_->lockResult < 0) return log_->lockResult;
     rect->Pitch = INT(levels_[level].width * 4);
     rect->pBits = levels_[level].texels.data();
     return D3D_OK;
@@ -187,13 +185,7 @@ inline FakeIndexBuffer* AsFake(IDirect3DIndexBuffer9* ib) { return static_cast<F
 class RecordingDevice : public IDirect3DDevice9 {
  public:
   // ---- switches a test may set -------------------------------------------------
-  HRESULT presentResult = D3D_OK;              // e.g. D3DERR_DEVICELOST
-  HRESULT testCooperativeLevelResult = D3D_OK;  // e.g. D3DERR_DEVICENOTRESET
   HRESULT resetResult = D3D_OK;
-  // Create* calls that succeed before the next ones fail with createFailure;
-  // negative: never fail.
-  int createsBeforeFailure = -1;
-  HRESULT createFailure = D3DERR_OUTOFVIDEOMEMORY;
 
   RecordingDevice() : log_(std::make_shared<detail::SharedLog>()) {}
   ~RecordingDevice() override {
@@ -227,8 +219,6 @@ class RecordingDevice : public IDirect3DDevice9 {
     if (!out.empty()) std::memcpy(out.data(), bytes.data(), out.size() * sizeof(Vertex));
     return out;
   }
-  // Makes every buffer and texture Lock fail with `hr` (D3D_OK: succeed again).
-  void SetLockResult(HRESULT hr) { log_->lockResult = hr; }
 
   // ---- current state ---------------------------------------------------------------
   ULONG RefCount() const { return refs_; }
@@ -251,12 +241,6 @@ class RecordingDevice : public IDirect3DDevice9 {
     }
     return Lookup(stageStates_, {stage, t}, fallback);
   }
-  // The last matrix set for `t`; identity when none was.
-  D3DMATRIX Transform(D3DTRANSFORMSTATETYPE t) const {
-    D3DMATRIX identity{};
-    identity._11 = identity._22 = identity._33 = identity._44 = 1.0f;
-    return Lookup(transforms_, DWORD(t), identity);
-  }
   const D3DPRESENT_PARAMETERS& LastResetParameters() const { return lastReset_; }
 
   // ---- IDirect3DDevice9 ---------------------------------------------------------------
@@ -266,7 +250,7 @@ class RecordingDevice : public IDirect3DDevice9 {
 
   HRESULT TestCooperativeLevel() override {
     Log("TestCooperativeLevel");
-    return testCooperativeLevelResult;
+    return D3D_OK;
   }
   HRESULT Reset(D3DPRESENT_PARAMETERS* pp) override {
     if (pp == nullptr) return Log("Reset", {0}), D3DERR_INVALIDCALL;
@@ -278,7 +262,7 @@ class RecordingDevice : public IDirect3DDevice9 {
   }
   HRESULT Present(const RECT* src, const RECT* dst, HWND wnd, const void* dirty) override {
     Log("Present", {Ptr(src), Ptr(dst), Ptr(wnd), Ptr(dirty)});
-    return presentResult;
+    return D3D_OK;
   }
 
   HRESULT CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
@@ -291,13 +275,13 @@ class RecordingDevice : public IDirect3DDevice9 {
                              HANDLE* shared) override {
     Log("CreateVertexBuffer", {double(length), double(usage), double(fvf), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, fvf, pool); });
+                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, pool); });
   }
   HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
                             HANDLE* shared) override {
     Log("CreateIndexBuffer", {double(length), double(usage), double(format), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, format, pool); });
+                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, pool); });
   }
 
   HRESULT BeginScene() override {
@@ -319,9 +303,7 @@ class RecordingDevice : public IDirect3DDevice9 {
       for (int r = 0; r < 4; ++r)
         for (int c = 0; c < 4; ++c) args.push_back(m->m[r][c]);
     Log("SetTransform", std::move(args));
-    if (m == nullptr) return D3DERR_INVALIDCALL;
-    transforms_[DWORD(t)] = *m;
-    return D3D_OK;
+    return m == nullptr ? D3DERR_INVALIDCALL : D3D_OK;
   }
   HRESULT SetViewport(const D3DVIEWPORT9* vp) override {
     if (vp == nullptr) return Log("SetViewport"), D3DERR_INVALIDCALL;
@@ -386,9 +368,6 @@ class RecordingDevice : public IDirect3DDevice9 {
   template <class T, class Make>
   HRESULT Create(T** out, HANDLE* shared, UINT size, Make make) {
     if (out == nullptr || shared != nullptr || size == 0) return D3DERR_INVALIDCALL;
-    *out = nullptr;
-    if (createsBeforeFailure == 0) return createFailure;
-    if (createsBeforeFailure > 0) --createsBeforeFailure;
     *out = make();
     return D3D_OK;
   }
@@ -417,7 +396,6 @@ class RecordingDevice : public IDirect3DDevice9 {
   std::map<std::pair<DWORD, DWORD>, DWORD> samplerStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;
-  std::map<DWORD, D3DMATRIX> transforms_;
   std::vector<std::vector<std::uint8_t>> upVertices_;
   IDirect3DVertexBuffer9* stream_ = nullptr;
   IDirect3DIndexBuffer9* indices_ = nullptr;

@@ -1,7 +1,7 @@
 // The window procedure and ReadInput on a record-only window of the scripted
 // back end, with fakes for Direct3D: the menu commands against the values
 // they must set, size changes, the keys that come as messages, the roads to
-// the end of the run, every binding of the polled keys and the mouse, and a
+// the end of the run (a failed device change among them), every binding of the polled keys and the mouse, and a
 // game controller fed as SDL events against the keys it stands for.
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/win32/Win32Dialogs.h"
 #include "platform/win32/script/Win32Script.h"
 #include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
@@ -133,6 +134,24 @@ TEST_F(Messages, TheCloseBoxQuitsButNothingBeforeCreate) {
   EXPECT_EQ(CGameApp::StaticWindowProc(hWnd, WM_NCCREATE, 0, 0), TRUE);
   CGameApp::StaticWindowProc(hWnd, WM_CLOSE, 0, 0);
   EXPECT_FALSE(QuitPosted());
+}
+
+// Change Device when the enumeration fails, then when the device cannot be made after OK:
+// a box each, and the quit, which the loop finds before a frame runs on no device.
+TEST_F(Messages, AFailedDeviceChangeShowsItsBoxAndQuitsBeforeTheNextFrame) {
+  d3d.FailOn(FakeDirect3D::CALL_EnumAdapterModes, E_FAIL);  // the first enumeration only
+  d3d.FailOn(FakeDirect3D::CALL_CreateDevice, E_FAIL, 0, true);
+  for (const std::string what : {"enumeration", "creation"}) {
+    win32::script::Enable({.realWindows = false, .maxFrames = 1});
+    win32::script::SetDialogCallback([](HWND dlg, std::uint32_t) { return win32::UserClick(GetDlgItem(dlg, IDOK)), true; });
+    PostMessageA(hWnd, WM_COMMAND, 40009, 0);
+    testing::internal::CaptureStderr();
+    app->RunLoop();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Fatal Error!: Device " + what + " failed. The application will now exit.\n");
+    EXPECT_EQ(win32::script::FramesStarted(), 0u) << what;
+    EXPECT_EQ(app->m_device, what == "creation" ? nullptr : &device);
+  }
 }
 
 TEST_F(Messages, ShiftEnterToFullScreenAndBackKeepsTheWorldAndReattachesTheMenu) {

@@ -13,6 +13,7 @@ using karvo_test::AsFake;
 using karvo_test::DeviceCall;
 using karvo_test::DeviceCalls;
 using karvo_test::Ptr;
+using karvo_test::RS;
 using karvo_test::RecordingDevice;
 
 namespace {
@@ -57,9 +58,7 @@ TEST_F(Boxes, SkyBoxDrawsSixFacesAroundTheCameraAndRestores) {
   // The depth is not written while the faces draw, and is again afterwards;
   // the address modes go from clamp back to wrap, as the ground needs.
   EXPECT_EQ(device.CallsNamed("SetRenderState"),
-            (DeviceCalls{{"SetRenderState", {double(D3DRS_LIGHTING), FALSE}},
-                         {"SetRenderState", {double(D3DRS_ZWRITEENABLE), FALSE}},
-                         {"SetRenderState", {double(D3DRS_ZWRITEENABLE), TRUE}}}));
+            (DeviceCalls{RS(D3DRS_LIGHTING, FALSE), RS(D3DRS_ZWRITEENABLE, FALSE), RS(D3DRS_ZWRITEENABLE, TRUE)}));
   EXPECT_EQ(device.SamplerState(0, D3DSAMP_ADDRESSU), DWORD(D3DTADDRESS_WRAP));
   EXPECT_EQ(device.SamplerState(0, D3DSAMP_ADDRESSV), DWORD(D3DTADDRESS_WRAP));
   EXPECT_EQ(device.Count("SetSamplerState"), 4u);

@@ -17,6 +17,7 @@ using karvo_test::DeviceCall;
 using karvo_test::DeviceCalls;
 using karvo_test::Ptr;
 using karvo_test::RecordingDevice;
+using karvo_test::RS, karvo_test::Tss;
 
 namespace {
 
@@ -85,14 +86,10 @@ TEST_F(TerrainRender, OnePassDrawsBothTexturesTwoPassesBlendTheDetailOverTheSame
   const DeviceCall base{"SetTexture", {0, Ptr(terrain->m_baseTexture)}}, fvf{"SetFVF", {0x202}};
   const DeviceCalls one = DeviceCalls{base, {"SetTexture", {1, Ptr(terrain->m_detailTexture)}}, fvf} + blocks;
   const DeviceCalls two = DeviceCalls{base, fvf} + blocks +
-                          DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_detailTexture)}},
-                                      {"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 1}},
-                                      {"SetRenderState", {double(D3DRS_SRCBLEND), double(D3DBLEND_DESTCOLOR)}},
-                                      {"SetRenderState", {double(D3DRS_DESTBLEND), double(D3DBLEND_SRCCOLOR)}},
-                                      {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), TRUE}}} +
-                          blocks +
-                          DeviceCalls{{"SetTextureStageState", {0, double(D3DTSS_TEXCOORDINDEX), 0}},
-                                      {"SetRenderState", {double(D3DRS_ALPHABLENDENABLE), FALSE}}};
+                          DeviceCalls{{"SetTexture", {0, Ptr(terrain->m_detailTexture)}}, Tss(0, D3DTSS_TEXCOORDINDEX, 1),
+                                      RS(D3DRS_SRCBLEND, D3DBLEND_DESTCOLOR), RS(D3DRS_DESTBLEND, D3DBLEND_SRCCOLOR),
+                                      RS(D3DRS_ALPHABLENDENABLE, TRUE)} +
+                          blocks + DeviceCalls{Tss(0, D3DTSS_TEXCOORDINDEX, 0), RS(D3DRS_ALPHABLENDENABLE, FALSE)};
   for (const bool single : {true, false}) {
     SCOPED_TRACE(single);
     device.ClearLog();

@@ -1,6 +1,7 @@
 // Block meshes: the serpentine strip of every block, the vertices and their
-// texture pairs, the boxes, the placing order, and that GetHeight stands on
-// the drawn triangles.
+// texture pairs, the placing order, and that GetHeight stands on the drawn
+// triangles. (The block count of a map size is the load's test; a block's box
+// is the mesh's own rule.)
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -41,40 +42,19 @@ class Blocks : public ::testing::Test {
     ASSERT_EQ(terrain->AddBlockMeshes(((size - 1) / 36) * ((size - 1) / 36)), 0);
     ASSERT_TRUE(terrain->BuildBlockMeshes());
   }
-  static std::uint8_t Flat(std::uint32_t, std::uint32_t) { return 0; }
   static std::uint8_t Rough(std::uint32_t col, std::uint32_t row) { return std::uint8_t((col * 37 + row * 91) % 251); }
 
   RecordingDevice device;
   std::unique_ptr<CTerrain> terrain = std::make_unique<CTerrain>();
 };
 
-TEST_F(Blocks, FlatMapGivesFortyNineBlocksWithTheirBoxesASmallOneNone) {
-  Build(257, Flat);
-  ASSERT_EQ(terrain->m_blockCount, 49u);
-  EXPECT_EQ(terrain->m_blockMeshes[0]->m_boundsMax, D3DXVECTOR3(2304, 0, 2304));
-  EXPECT_EQ(terrain->m_blockMeshes[48]->m_boundsMin, D3DXVECTOR3(13824, 0, 13824));
-  EXPECT_EQ(terrain->m_blockMeshes[48]->m_boundsMax, D3DXVECTOR3(16128, 0, 16128));
-  terrain = std::make_unique<CTerrain>();
-  Build(30, Flat);
-  EXPECT_EQ(terrain->m_blockCount, 0u);
-}
-
 // Trees, then weeds, draw from one random sequence: the order decides where
 // every plant stands, so one seed must always give the same world.
 TEST_F(Blocks, PlacingStepsShareTheSeededSequenceInOrder) {
-  const struct {
-    unsigned seed;
-    float bigTreeSize, firstWeedX, firstWeedZ;
-  } cases[] = {{1, 641, 5000, 15300}, {7, 495, 4380, 6530}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.seed);
-    crt::srand(c.seed);
-    terrain = std::make_unique<CTerrain>();
-    Build(257, Rough);
-    EXPECT_EQ(terrain->m_trees[CTerrain::MAX_TREES - 1].m_size, c.bigTreeSize);
-    EXPECT_EQ(terrain->m_weeds[0].m_x, c.firstWeedX);
-    EXPECT_EQ(terrain->m_weeds[0].m_z, c.firstWeedZ);
-  }
+  crt::srand(7);
+  Build(257, Rough);
+  EXPECT_EQ(terrain->m_trees[CTerrain::MAX_TREES - 1].m_size, 495);
+  EXPECT_TRUE(terrain->m_weeds[0].m_x == 4380 && terrain->m_weeds[0].m_z == 6530);
 }
 
 TEST_F(Blocks, StripIsTheSerpentineWithOneTurnOfThreeEmptyTriangles) {

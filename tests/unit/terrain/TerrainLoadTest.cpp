@@ -1,7 +1,7 @@
 // CTerrain lifecycle on the generated assets (the test runs in the asset
 // folder for the textures): the whole load with its 17 textures, release and
 // a second load, and the scale, block count and the height of one sample for
-// three map sizes.
+// four map sizes, one too small for a block.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -53,7 +53,7 @@ TEST(MapSize, ScaleBlockCountAndWhereASampleStands) {
     std::uint32_t size;
     float cell;  // world units between samples
     std::uint32_t blocks;
-  } sizes[] = {{257, 64.0f, 49}, {129, 128.0f, 9}, {100, 160.0f, 4}};
+  } sizes[] = {{257, 64.0f, 49}, {129, 128.0f, 9}, {100, 160.0f, 4}, {30, 544.0f, 0}};
   for (const auto& map : sizes) {
     SCOPED_TRACE(map.size);
     const std::string path = WriteMap("karvo_size_" + std::to_string(map.size) + ".raw", map.size, map.size);

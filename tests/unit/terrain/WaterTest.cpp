@@ -1,5 +1,5 @@
-// The sea and the tint under it: the clip of the sea quad at the near plane
-// and the overlay's mapping to viewport pixels.
+// The sea and the tint under it: the clip of the sea quad at the near plane,
+// the states it sets and puts back, and the overlay's mapping to viewport pixels.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,6 +13,7 @@
 
 namespace {
 
+using karvo_test::RS, karvo_test::Tss;
 constexpr float LEVEL = 864.0f, SIDE = 16448.0f;  // 257 samples of 64 units
 const D3DXVECTOR3 AHEAD(0.0f, 0.0f, 1.0f), UP(0.0f, 1.0f, 0.0f), DOWN(0.0f, -1.0f, 0.0f);
 
@@ -33,6 +34,7 @@ class Water : public ::testing::Test {
     terrain->SetDevice(&device, true);
     terrain->m_mapWidth = terrain->m_mapHeight = 257;
     terrain->m_scale = D3DXVECTOR3(64.0f, 16.0f, 64.0f);
+    device.CreateTexture(4, 4, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &terrain->m_waterTexture, nullptr);
   }
   void TearDown() override { terrain->~CTerrain(); }
   // The fan of the first UP draw, or nothing.
@@ -52,7 +54,17 @@ TEST_F(Water, SeaIsCutAtTheNearPlane) {
   // Corners 0 and 3 lie behind the eye: new points on x = 0 and x = 16448 at
   // the near plane, alpha 0xBF even on the edge from the clearer corner 2.
   camera.Aim(8000.0f, 900.0f, 8000.0f);
+  device.ClearLog();
   terrain->DrawWater(&camera, LEVEL);
+  // Alpha from the colour words, blended, seen from below too, no depth written; then put back.
+  EXPECT_EQ(device.Calls(),
+            (karvo_test::DeviceCalls{
+                Tss(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE), Tss(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG1),
+                RS(D3DRS_SRCBLEND, D3DBLEND_SRCALPHA), RS(D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA),
+                RS(D3DRS_ALPHABLENDENABLE, TRUE), {"SetTexture", {0, karvo_test::Ptr(terrain->m_waterTexture)}},
+                {"SetFVF", {0x142}}, RS(D3DRS_CULLMODE, D3DCULL_NONE), RS(D3DRS_ZWRITEENABLE, FALSE),
+                {"DrawPrimitiveUP", {D3DPT_TRIANGLEFAN, 2, 24}}, RS(D3DRS_ZWRITEENABLE, TRUE),
+                RS(D3DRS_ALPHABLENDENABLE, FALSE), RS(D3DRS_CULLMODE, D3DCULL_CCW)}));
   const auto fan = Fan<CVertex>();
   ASSERT_EQ(fan.size(), 4u);
   const float rows[4][5] = {
@@ -77,18 +89,24 @@ TEST_F(Water, SeaIsCutAtTheNearPlane) {
   EXPECT_TRUE(device.Calls().empty());
 }
 
-TEST_F(Water, OverlayMapsTheViewportWithWholeHalvesAndDrawsNothingForAnotherKindOrFromAbove) {
+TEST_F(Water, OverlayMapsTheViewportWithWholeHalvesAndTintsAllOfADiverLookingDown) {
   // Under the water the tint covers the viewport: the corner (-1, 1) lands on
-  // X - (Width >> 1) + Width / 2, half a pixel left of X for an odd width.
+  // X - (Width >> 1) + Width / 2, half a pixel left of X for an odd width. Looking
+  // straight down it is one tint, 0xBF547686, once the near plane 1 below the eye is
+  // under the water: at 864.5 too, at 900 not; another kind draws nothing.
   const struct {
     int kind;
-    float y, width, left, right;  // above the water the camera looks straight down
-  } cases[] = {{1, 800, 640, 100, 740}, {1, 800, 641, 99.5f, 740.5f}, {0, 800, 640, 0, 0}, {1, 900, 640, 0, 0}};
+    bool down;
+    float y, width, left, right;
+    std::uint32_t tint;
+  } cases[] = {{1, false, 800, 640, 100, 740, 0xBF547687}, {1, false, 800, 641, 99.5f, 740.5f, 0xBF547687},
+               {0, false, 800, 640, 0, 0, 0},              {1, true, 900, 640, 0, 0, 0},
+               {1, true, 800, 640, 100, 740, 0xBF547686},  {1, true, 864.5f, 640, 100, 740, 0xBF547686}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.width + c.kind * 10 + c.y);
+    SCOPED_TRACE(&c - cases);
     device.ClearLog();
     camera.SetViewport(100, 50, DWORD(c.width), 480, 1.0f, 100.0f, nullptr);
-    camera.Aim(8000.0f, c.y, 8000.0f, c.y > LEVEL ? DOWN : AHEAD, c.y > LEVEL ? AHEAD : UP);
+    camera.Aim(8000.0f, c.y, 8000.0f, c.down ? DOWN : AHEAD, c.down ? AHEAD : UP);
     camera.RenderWaterOverlay(&device, c.kind, LEVEL);
     EXPECT_EQ(device.Calls().front().args, (std::vector<double>{D3DRS_ZWRITEENABLE, FALSE}));
     EXPECT_EQ(device.Calls().back().args, (std::vector<double>{D3DRS_ZWRITEENABLE, TRUE}));
@@ -96,7 +114,7 @@ TEST_F(Water, OverlayMapsTheViewportWithWholeHalvesAndDrawsNothingForAnotherKind
     ASSERT_EQ(fan.size(), c.right ? 4u : 0u);
     if (fan.empty()) continue;
     EXPECT_TRUE(fan[0].m_x == c.left && fan[0].m_y == 50.0f && fan[2].m_x == c.right && fan[2].m_y == 530.0f);
-    EXPECT_EQ(fan[0].m_diffuse, 0xBF547687u);
+    EXPECT_EQ(fan[0].m_diffuse, c.tint);
   }
 }
 

@@ -47,13 +47,18 @@ TEST(Placement, WeedsRefuseGroundOfExactly770AndDrawAgain) {
 
 TEST(Placement, TowerZonesAreOpenOnEverySide) {
   auto terrain = MakeTerrain();
-  // The first candidate inside the first zone's x span, on both sides of its z edges.
-  const struct { int z; bool placed; } rows[] = {{2800, true}, {2810, false}, {5190, false}, {5200, true}};
+  // The first candidate on both sides of each edge: z 2800 to 5200, x 1800 to 4200 and
+  // 5800 to 8200, and the gap between the two zones.
+  const struct { int x, z; bool placed; } rows[] = {
+      {3000, 2800, true}, {3000, 2810, false}, {3000, 5190, false}, {3000, 5200, true},
+      {1800, 4000, true}, {1810, 4000, false}, {4190, 4000, false}, {4200, 4000, true},
+      {5800, 4000, true}, {5810, 4000, false}, {8190, 4000, false}, {8200, 4000, true},
+      {5000, 4000, true}};
   for (const auto& r : rows) {
-    crt::srand(SeedFor(3000, r.z));
+    crt::srand(SeedFor(r.x, r.z));
     terrain->m_trees[0] = {};
     terrain->PlaceTrees();
-    EXPECT_EQ(terrain->m_trees[0].m_kind != 0, r.placed) << r.z;
+    EXPECT_EQ(terrain->m_trees[0].m_kind != 0, r.placed) << r.x << " " << r.z;
   }
 }
 

@@ -1,7 +1,8 @@
-// Towers, plants and the scene's order on a recording device: the quads'
-// corners as the player stands about a plant, the kinds' pictures, one sort
-// pass a frame, and RenderScene's call sequence on both sides of 855.0;
-// the drops' states, the wing beat and the flock's turns.
+// Towers, plants, figures and the scene's order on a recording device: the
+// quads' corners as the player stands about a plant, the kinds' pictures, a
+// figure's wing corners, one sort pass a frame, and RenderScene's call
+// sequence on both sides of 855.0; the drops' states, the wing beat and the
+// flock's turns, the random one included.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,15 +18,10 @@
 #include "terrain/Vertex.h"
 
 using Calls = karvo_test::DeviceCalls;
+using karvo_test::RS, karvo_test::Tss;
 
 namespace {
 
-karvo_test::DeviceCall RS(DWORD s, DWORD v) {
-  return {"SetRenderState", {double(s), double(v)}};
-}
-karvo_test::DeviceCall Tss(DWORD stage, DWORD t, DWORD v) {
-  return {"SetTextureStageState", {double(stage), double(t), double(v)}};
-}
 Calls Bind(const void* texture) {
   return {{"SetTexture", {0, karvo_test::Ptr(texture)}}};
 }
@@ -42,7 +38,8 @@ class WorldDraw : public ::testing::Test {
     t.SetDevice(&device, true);
     for (IDirect3DTexture9** m :
          {&t.m_baseTexture, &t.m_wallTexture, &t.m_wallTexture2, &t.m_treeTexture,
-          &t.m_tree3Texture, &t.m_weed4Texture, &t.m_weed5Texture, &t.m_flower2Texture})
+          &t.m_tree3Texture, &t.m_weed4Texture, &t.m_weed5Texture, &t.m_flower2Texture,
+          &t.m_wingLeftTexture, &t.m_wingRightTexture})
       device.CreateTexture(4, 4, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, m, nullptr);
     player.SetCameraMode(CAM_MODE_1ST_PERSON);
     camera = player.GetCamera();
@@ -54,6 +51,11 @@ class WorldDraw : public ::testing::Test {
       got.insert(got.end(), {v.m_x, v.m_y, v.m_z});
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], want[i], 1e-3) << i;
+  }
+  // One figure: blending on, then both wings with the right wing's picture.
+  Calls Wings() const {
+    return Calls{RS(D3DRS_ALPHABLENDENABLE, 1), RS(D3DRS_SRCBLEND, 5), RS(D3DRS_DESTBLEND, 6)} +
+           Bind(t.m_wingRightTexture) + kQuad + Bind(t.m_wingRightTexture) + kQuad;
   }
   Calls Recorded(const std::function<void()>& draw) {
     device.ClearLog();
@@ -104,7 +106,7 @@ TEST_F(WorldDraw, TreesAndWeedsTurnTowardsThePlayerAndEachKindHasItsPicture) {
   }
 }
 
-TEST_F(WorldDraw, AFlowerIsTwoStemsAndAHeadAndATowerFourWalls) {
+TEST_F(WorldDraw, AFlowerIsTwoStemsAndAHeadATowerFourWallsAndAFigureTwoWings) {
   EXPECT_EQ(Recorded([&] { t.DrawFlower(100, 50, 200, 2, 5); }),  // a = 0.5, b = 2.5
             kBlend + Bind(t.m_baseTexture) + kQuad + Bind(t.m_baseTexture) + kQuad +
                 Bind(t.m_flower2Texture) + kQuad);
@@ -118,6 +120,14 @@ TEST_F(WorldDraw, AFlowerIsTwoStemsAndAHeadAndATowerFourWalls) {
   Near(7, {6000, 500, 3000, 8000, 500, 3000, 8000, 28000, 3000, 6000, 28000, 3000});
   const CVertex c3 = device.UpVertices<CVertex>(0)[2];
   EXPECT_TRUE(c3.m_diffuse >> 24 == 0xAF && c3.m_tu == 1 && c3.m_tv == 1);
+  // Size 100, wings at 1.5, heading 30: t = 1.5 * 100 / 5 = 30; a = 30 * 0.017452778 has sine
+  // 0.499987 and cosine 0.866033, so the first wing's tip (-470, 30, -200) lands at
+  // x = 1000 - 470 cos a - 200 sin a, z = 2000 + 470 sin a - 200 cos a.
+  EXPECT_EQ(Recorded([&] { t.DrawFigure(1000, 30000, 2000, 100, 1.5f, 30); }), Wings());
+  Near(0, {492.967, 30030, 2061.787, 900.003, 30000, 1826.793,  // tip, hinge, hinge, tip
+           1099.997, 30000, 2173.207, 692.962, 30030, 2408.200});
+  Near(1, {1307.038, 30030, 1591.800, 900.003, 30000, 1826.793,
+           1099.997, 30000, 2173.207, 1507.033, 30030, 1938.213});
 }
 
 TEST_F(WorldDraw, OneSortPassAFrameCarriesTheNearestToTheEnd) {
@@ -143,24 +153,14 @@ TEST_F(WorldDraw, OneSortPassAFrameCarriesTheNearestToTheEnd) {
 TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) {
   t.m_flowers[0] = {10, 5, 10, 1, 5};
   t.m_flowerCount = 1;
-  for (int i = 0; i < 3; ++i) t.m_trees[i] = t.m_weeds[i] = {100.0f * float(i), 900, 500, 1, 400};
-  t.m_treeCount = t.m_weedCount = 3;
+  t.m_trees[0] = t.m_weeds[0] = {100, 900, 500, 1, 400};
+  t.m_treeCount = t.m_weedCount = 1;
   GetGameApp()->GetColorOp() = D3DTOP_MODULATE2X;
   const Calls alpha{Tss(0, D3DTSS_ALPHAOP, 4), Tss(0, D3DTSS_ALPHAARG1, D3DTA_TEXTURE),
                     Tss(0, D3DTSS_ALPHAARG2, 0)};
   const Calls closing{RS(D3DRS_ZWRITEENABLE, 1), RS(D3DRS_ALPHABLENDENABLE, 0),
                       RS(D3DRS_CULLMODE, D3DCULL_CCW)};
-  // As the scene's sorts left them. Plain calls, no pointer to member: gcc 12
-  // under the sanitizers called one with a broken `this`.
-  auto plants = [&](bool trees) {
-    device.ClearLog();
-    for (int i = 0; i < 3; ++i) {
-      const CPlantRecord& r = trees ? t.m_trees[i] : t.m_weeds[i];
-      if (trees) t.DrawTree(r.m_x, r.m_y, r.m_z, 1, 400, camera);
-      else t.DrawWeed(r.m_x, r.m_y, r.m_z, 1, 400, camera);
-    }
-    return device.Calls();
-  };
+  const Calls tree = Bind(t.m_treeTexture) + kBlend + kQuad, weed = Bind(t.m_weed4Texture) + kBlend + kQuad;
   t.m_mapWidth = t.m_mapHeight = 257;  // the sea at 864 over the whole map
   t.m_scale = D3DXVECTOR3(64, 16, 64);
   // The player's altitude and the third person camera's height (0: first person).
@@ -175,17 +175,14 @@ TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) 
       t.m_rainEnabled = single;  // landed drops: reborn, or at rest and drawn all the same
       for (CRainDrop& drop : t.m_rain) drop = {400, 1000, 400};
       const Calls scene = Recorded([&] { t.RenderScene(camera); });
-      // The drops and the first 100 figures as the updates left them.
-      const Calls sky = Recorded([&] {
+      // The drops as the update left them, then the first 100 figures.
+      Calls sky = Recorded([&] {
         for (const CRainDrop& d : t.m_rain) t.DrawRainDrop(d.m_x, d.m_y, d.m_z, camera);
-        std::for_each_n(t.m_figures, 100, [&](const CFlyingFigure& f) {
-          t.DrawFigure(f.m_x, f.m_y, f.m_z, f.m_size, t.m_wingAngle, f.m_heading);
-        });
       });
+      for (int i = 0; i < 100; ++i) sky = sky + Wings();
       const Calls upper = Recorded([&] { t.DrawSkyscrapers(); }) + alpha + sky + alpha +
-                          Recorded([&] { t.DrawFlower(10, 5, 10, 1, 5); }) + alpha +
-                          plants(true);
-      const Calls lower = alpha + plants(false);
+                          Recorded([&] { t.DrawFlower(10, 5, 10, 1, 5); }) + alpha + tree;
+      const Calls lower = alpha + weed;
       // The tint follows the camera, strictly below 874.
       const Calls water = Recorded([&] {
         t.DrawWater(camera, 864.0f);
@@ -250,17 +247,19 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
   EXPECT_NEAR(angles[10], 3.3f, 1e-5);  // ... so an eleventh is taken
   for (int i = 0; i < 56; ++i) EXPECT_NEAR(angles[i + 44], angles[i], 1e-5) << i;
 
-  // x, z, heading, target before and after; heading 0 flies towards -z.
-  const float cases[][8] = {
-      {68000.0f, 0, 0, 0, 68000.0f, -100, 0, 0},      {68000.1f, 0, 0, 0, 68000.1f, -100, 3, 90},
-      {69000, 69100, 0, 0, 69000, 69000, 0, 0},        // the corner: z wins
-      {69990, 500, 270, 270, 69990, 500, 267, 90},     // step refused, turns on the spot
-      {0, 500, 10, 11, -17.36f, 401.52f, 11, 11},      // up 3, down 3, then snapped
-      {0, 500, 350, 10, 17.383f, 401.52f, 347, 10},    // the long way, down
+  // x, z, heading, target before and after; heading 0 flies towards -z. Last the seed: 41 % 200
+  // of seed 1 is no random turn, 655 % 200 of seed 189 is one, to its next draw 7552 % 360.
+  const float cases[][9] = {
+      {68000.0f, 0, 0, 0, 68000.0f, -100, 0, 0, 1},   {68000.1f, 0, 0, 0, 68000.1f, -100, 3, 90, 1},
+      {69000, 69100, 0, 0, 69000, 69000, 0, 0, 1},     // the corner: z wins
+      {69990, 500, 270, 270, 69990, 500, 267, 90, 1},  // step refused, turns on the spot
+      {0, 500, 10, 11, -17.36f, 401.52f, 11, 11, 1},   // up 3, down 3, then snapped
+      {0, 500, 350, 10, 17.383f, 401.52f, 347, 10, 1},  // the long way, down
+      {0, 500, 0, 0, 0, 400, 3, 352, 189},             // a random turn
   };
   for (const auto& c : cases) {
     t.m_figures[0] = {c[0], 30000.0f, c[1], c[2], 150.0f, c[3]};
-    crt::srand(1);  // 41 % 200 is no random turn
+    crt::srand(unsigned(c[8]));
     t.UpdateFigures();
     const CFlyingFigure& f = t.m_figures[0];
     EXPECT_TRUE(std::abs(f.m_x - c[4]) < 0.01f && std::abs(f.m_z - c[5]) < 0.02f)
