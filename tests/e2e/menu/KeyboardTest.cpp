@@ -23,8 +23,16 @@ struct DialogShot {
   int width = 0, height = 0;
 } s_dialog;
 
-// The first turn of each dialog; the first dialog's picture is kept.
+// A dialog takes one turn for each event and a few to draw: far fewer than this.
+constexpr std::uint32_t kTurnLimit = 1000;
+
+// The first turn of each dialog keeps the first dialog's picture; a dialog
+// that the keys did not end is cancelled, as it would wait for a person.
 void OnTurn(HWND dialog, std::uint32_t turn, void*) {
+  if (turn == kTurnLimit) {
+    ADD_FAILURE() << "the keys pushed for the dialog did not reach it";
+    EndDialog(dialog, IDCANCEL);
+  }
   if (turn != 0 || ++s_dialog.dialogs > 1) return;
   win32::DrawDialog(dialog, &s_dialog.rgba, &s_dialog.width, &s_dialog.height);
 }
