@@ -108,6 +108,9 @@ TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndMarkAndNothingElse)
       }
     }
   }
+  // A radio mark goes up to the last item of its group (above) and no further.
+  EXPECT_FALSE(CheckMenuRadioItem(app->m_hMenu, 40010, 40011, 40012, MF_BYCOMMAND));
+  EXPECT_FALSE(GetMenuState(app->m_hMenu, 40012, MF_BYCOMMAND) & MF_CHECKED);
 }
 
 TEST_F(Messages, MinimiseStopsFramesAndRestoreResetsWithoutTouchingTheWorld) {
