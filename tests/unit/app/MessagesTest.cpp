@@ -38,28 +38,22 @@ class Messages : public ::testing::Test {
     SetMenu(hWnd, app->m_hMenu);
     app->ResetGameState();
   }
-  LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
-    return app->HandleWindowMessage(hWnd, message, wParam, lParam);
-  }
+  LRESULT Send(UINT message, WPARAM w = 0, LPARAM l = 0) { return app->HandleWindowMessage(hWnd, message, w, l); }
   // True when a quit message waits (and takes the queue's messages out).
   static bool QuitPosted() {
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+    for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
       if (msg.message == WM_QUIT) return true;
     return false;
   }
   // Everything a command may set, by name.
   Values Snapshot() {
     CPlayer& p = app->m_player;
-    return {
-        {"fill", app->m_fillMode},          {"colorOp", app->m_colorOp},
-        {"mag", app->m_magFilter},          {"min", app->m_minFilter},
-        {"mip", app->m_mipFilter},          {"anisotropy", app->m_maxAnisotropy},
-        {"singlePass", app->m_singlePass},  {"friction", p.GetFriction()},
-        {"gravity", p.GetGravity().y},      {"maxXZ", p.GetMaxVelocityXZ()},
-        {"maxY", p.GetMaxVelocityY()},      {"offsetY", p.GetCameraOffset().y},
-        {"offsetZ", p.GetCameraOffset().z}, {"lag", p.GetCameraLag()},
-        {"mode", p.GetCameraMode()},        {"cameraIsPlayers", app->m_camera == p.GetCamera()}};
+    return {{"fill", app->m_fillMode},         {"colorOp", app->m_colorOp},      {"mag", app->m_magFilter},
+            {"min", app->m_minFilter},         {"mip", app->m_mipFilter},        {"anisotropy", app->m_maxAnisotropy},
+            {"singlePass", app->m_singlePass}, {"friction", p.GetFriction()},    {"gravity", p.GetGravity().y},
+            {"maxXZ", p.GetMaxVelocityXZ()},   {"maxY", p.GetMaxVelocityY()},    {"offsetY", p.GetCameraOffset().y},
+            {"offsetZ", p.GetCameraOffset().z}, {"lag", p.GetCameraLag()},       {"mode", p.GetCameraMode()},
+            {"cameraIsPlayers", app->m_camera == p.GetCamera()}};
   }
 
   FakeDirect3D d3d{{FakeDirect3D::GoodAdapter()}};
@@ -70,8 +64,7 @@ class Messages : public ::testing::Test {
 };
 
 // The columns of the camera commands 40010, 40011 and 40012.
-const char* const kCameraNames[] = {"friction", "gravity", "maxXZ", "maxY",
-                                    "offsetY",  "offsetZ", "lag",   "mode"};
+const char* const kCameraNames[] = {"friction", "gravity", "maxXZ", "maxY", "offsetY", "offsetZ", "lag", "mode"};
 const double kCameraValues[3][8] = {{250, -400, 125, 400, 10, 0, 0, 1},
                                     {125, 0, 400, 400, 0, 0, 0, 3},
                                     {250, -400, 125, 400, 40, -60, 0.25, 2}};
@@ -79,15 +72,14 @@ const double kCameraValues[3][8] = {{250, -400, 125, 400, 10, 0, 0, 1},
 TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndMarkAndNothingElse) {
   // The option and value of each command from 40013 on, in number order;
   // 40015 to 40018 are no commands. The colour ops are not in value order.
-  const std::string names[] = {"fill",       "fill",       "",           "",           "",
-                               "",           "mip",        "mip",        "mip",        "singlePass",
-                               "singlePass", "colorOp",    "colorOp",    "colorOp",    "colorOp",
-                               "colorOp",    "colorOp",    "colorOp",    "min",        "min",
-                               "min",        "min",        "mag",        "mag",        "mag",
-                               "mag",        "anisotropy", "anisotropy", "anisotropy", "anisotropy",
-                               "anisotropy", "anisotropy", "anisotropy"};
-  const double values[] = {3, 2, 0, 0, 0, 0, 0, 1, 2, 1, 0, 8, 9, 7,  10, 4, 5,
-                           6, 0, 1, 2, 3, 0, 1, 2, 3, 1, 2, 4, 8, 16, 32, 64};
+  const std::pair<std::string, double> sets[] = {
+      {"fill", 3},        {"fill", 2},        {"", 0},           {"", 0},           {"", 0},
+      {"", 0},            {"mip", 0},         {"mip", 1},        {"mip", 2},        {"singlePass", 1},
+      {"singlePass", 0},  {"colorOp", 8},     {"colorOp", 9},    {"colorOp", 7},    {"colorOp", 10},
+      {"colorOp", 4},     {"colorOp", 5},     {"colorOp", 6},    {"min", 0},        {"min", 1},
+      {"min", 2},         {"min", 3},         {"mag", 0},        {"mag", 1},        {"mag", 2},
+      {"mag", 3},         {"anisotropy", 1},  {"anisotropy", 2}, {"anisotropy", 4}, {"anisotropy", 8},
+      {"anisotropy", 16}, {"anisotropy", 32}, {"anisotropy", 64}};
   // Walked down twice, from two starting points, so that a command that
   // happens to find its own value in one round changes it in the other.
   for (UINT start : {40012u, 40031u}) {
@@ -99,34 +91,43 @@ TEST_F(Messages, EveryCommandFrom40010To40045SetsItsValuesAndMarkAndNothingElse)
       Values expected = Snapshot();
       for (int i = 0; camera && i < 8; ++i)
         expected[kCameraNames[i]] = kCameraValues[command - 40010][i];
-      if (!camera && !names[command - 40013].empty())
-        expected[names[command - 40013]] = values[command - 40013];
+      const std::string& name = camera ? "" : sets[command - 40013].first;
+      if (!name.empty()) expected[name] = sets[command - 40013].second;
       Send(WM_COMMAND, command);
       EXPECT_EQ(Snapshot(), expected) << "command " << command;
-      if (camera || !names[command - 40013].empty()) {  // the mark moves onto the entry chosen
+      if (camera || !name.empty()) {  // the mark moves onto the entry chosen
         EXPECT_TRUE(GetMenuState(app->m_hMenu, command, MF_BYCOMMAND) & MF_CHECKED) << command;
       }
     }
   }
-}
-
-TEST_F(Messages, MinimiseStopsFramesAndRestoreResetsWithoutTouchingTheWorld) {
-  const D3DXVECTOR3 position = app->m_player.GetPosition();
-  device.ClearLog();
-  Send(WM_SIZE, SIZE_MINIMIZED, 0);
-  EXPECT_TRUE(!app->m_active && device.Count("Reset") == 0u);
-  Send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(640, 461));
-  EXPECT_TRUE(app->m_active && device.Count("Reset") == 1u);
-  EXPECT_GT(device.Count("SetRenderState"), 0u) << "no ApplyRenderStates after the reset";
-  EXPECT_EQ(app->m_player.GetPosition(), position);
+  // A radio mark goes up to the last item of its group (above) and no further.
+  EXPECT_FALSE(CheckMenuRadioItem(app->m_hMenu, 40010, 40011, 40012, MF_BYCOMMAND));
+  EXPECT_FALSE(GetMenuState(app->m_hMenu, 40012, MF_BYCOMMAND) & MF_CHECKED);
 }
 
 // (Exit and Escape are the menu bar's and the lifecycle's end-to-end tests.)
-TEST_F(Messages, TheCloseBoxQuitsButNothingBeforeCreate) {
+TEST_F(Messages, CloseQuitsAndSizeAndShiftEnterResetWithoutTouchingTheWorld) {
   EXPECT_EQ(CGameApp::StaticWindowProc(hWnd, WM_CLOSE, 0, 0), 0);
   EXPECT_TRUE(QuitPosted());
   Send(WM_KEYDOWN, VK_RETURN);  // Enter without Shift does nothing
   EXPECT_FALSE(QuitPosted());
+
+  const D3DXVECTOR3 position = app->m_player.GetPosition();
+  device.ClearLog();
+  Send(WM_SIZE, SIZE_MINIMIZED, 0);  // frames stop
+  EXPECT_TRUE(!app->m_active && device.Count("Reset") == 0u);
+  Send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(640, 461));
+  EXPECT_TRUE(app->m_active && device.Count("Reset") == 1u);
+  EXPECT_GT(device.Count("SetRenderState"), 0u) << "no ApplyRenderStates after the reset";
+  // Shift+Enter to full screen on the desktop's mode, which has no menu, and back.
+  app->m_settings.m_fullscreenSettings = app->m_settings.m_windowedSettings;
+  win32::script::KeyDown(0, VK_SHIFT);
+  QuitPosted();  // delivers the scripted Shift
+  Send(WM_KEYDOWN, VK_RETURN);
+  EXPECT_TRUE(!app->m_settings.m_windowed && GetMenu(hWnd) == nullptr);
+  Send(WM_KEYDOWN, VK_RETURN);
+  EXPECT_TRUE(app->m_settings.m_windowed && GetMenu(hWnd) == app->m_hMenu);
+  EXPECT_EQ(app->m_player.GetPosition(), position);
 
   // A window whose WM_CREATE has not come: the default procedure answers,
   // and a close posts no quit.
@@ -154,27 +155,13 @@ TEST_F(Messages, AFailedDeviceChangeShowsItsBoxAndQuitsBeforeTheNextFrame) {
   }
 }
 
-TEST_F(Messages, ShiftEnterToFullScreenAndBackKeepsTheWorldAndReattachesTheMenu) {
-  const D3DXVECTOR3 position = app->m_player.GetPosition();
-  win32::script::KeyDown(0, VK_SHIFT);
-  QuitPosted();  // delivers the scripted Shift
-  Send(WM_KEYDOWN, VK_RETURN);
-  EXPECT_TRUE(!app->m_settings.m_windowed && GetMenu(hWnd) == nullptr);
-  Send(WM_KEYDOWN, VK_RETURN);
-  EXPECT_TRUE(app->m_settings.m_windowed && GetMenu(hWnd) == app->m_hMenu);
-  EXPECT_EQ(app->m_player.GetPosition(), position);
-}
-
 TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
   // Keys held, cursor motion while the left button holds the capture, and
   // the turn in degrees that one frame makes of them.
-  const struct {
-    std::initializer_list<BYTE> keys;
-    int dx, dy;
-    float pitch, yaw, roll;
-  } rows[] = {{{'A'}, 0, 0, 0.5f, 0, 0},      {{'Q'}, 0, 0, -0.5f, 0, 0},     {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
-              {{VK_RIGHT}, 0, 0, 0, 0.5f, 0},  {{}, 9, -6, -2.0f, 3.0f, 0},     {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
-              {{'S'}, 9, -6, 0, 0, 0},         {{'A', 'Q'}, 0, 0, 0, 0, 0}};
+  const struct { std::initializer_list<BYTE> keys; int dx, dy; float pitch, yaw, roll; } rows[] = {
+      {{'A'}, 0, 0, 0.5f, 0, 0},     {{'Q'}, 0, 0, -0.5f, 0, 0}, {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
+      {{VK_RIGHT}, 0, 0, 0, 0.5f, 0}, {{}, 9, -6, -2.0f, 3.0f, 0}, {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
+      {{'S'}, 9, -6, 0, 0, 0},        {{'A', 'Q'}, 0, 0, 0, 0, 0}};
   for (const auto& row : rows) {
     win32::script::Enable({.realWindows = false});
     win32::script::HoldKeys(0, row.keys);
@@ -208,8 +195,9 @@ void PushPad(Uint32 type, int code = 0, int value = 0) {
 
 // Sixty frames of a stick direction or button leave the player where its key
 // leaves it; a stick inside its dead zone does nothing; unplugging lets go.
-// Z and X strafe: the step goes against or along the player's right.
-TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
+// Z and X strafe: the step goes against or along the player's right. Back
+// ends the walk only when held for a second.
+TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoesAndBackHeldForASecondIsEscape) {
   constexpr Uint32 kAxis = SDL_CONTROLLERAXISMOTION, kButton = SDL_CONTROLLERBUTTONDOWN;
   const struct { BYTE vk; Uint32 type; int code, value, side; } rows[] = {
       {VK_UP, kAxis, SDL_CONTROLLER_AXIS_LEFTY, -32768, 0},    {VK_DOWN, kAxis, SDL_CONTROLLER_AXIS_LEFTY, 20000, 0},
@@ -243,10 +231,8 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoes) {
     EXPECT_FALSE(QuitPosted());
     EXPECT_EQ(GetKeyState(row.vk) & 0x8000, 0) << "still held";
   }
-}
 
-// Back ends the walk only when held for a second: Escape goes down once.
-TEST_F(Messages, GamepadBackHeldForASecondIsEscape) {
+  // Back: Escape goes down once.
   const auto escapesIn = [](int frames) {
     int count = 0;
     for (MSG msg; frames-- > 0;)

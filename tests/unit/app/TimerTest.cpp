@@ -12,17 +12,6 @@
 
 namespace {
 
-// Ticks after each of `count` frames of `seconds` on the scripted clock.
-void Frames(CTimer& timer, double seconds, int count) {
-  for (int i = 0; i < count; ++i) {
-    win32::script::SetFixedStep(seconds);
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-    }
-    timer.Tick(0.0f);
-  }
-}
-
 TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
   using Runs = std::vector<std::pair<double, int>>;  // frame length, count
   const struct { Runs runs; float elapsed; unsigned rate; } cases[] = {
@@ -46,7 +35,13 @@ TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
     SCOPED_TRACE(&c - cases);
     win32::script::Enable({.realWindows = false});
     CTimer timer;
-    for (const auto& [seconds, count] : c.runs) Frames(timer, seconds, count);
+    for (const auto& [seconds, count] : c.runs)
+      for (int i = 0; i < count; ++i) {  // each frame's boundary moves the clock by `seconds`
+        win32::script::SetFixedStep(seconds);
+        for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);) {
+        }
+        timer.Tick(0.0f);
+      }
     EXPECT_NEAR(timer.GetTimeElapsed(), c.elapsed, 1e-6f);
     char text[16] = "unchanged";
     EXPECT_EQ(timer.GetFrameRate(text), c.rate);

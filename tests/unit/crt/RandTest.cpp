@@ -15,10 +15,7 @@ TEST(Rand, FirstResultsAfterASeedOfOne) {
 
 // A short read names the file and tells an empty file from one cut short.
 TEST(FileIo, AShortReadNamesTheFileAndWhyItFellShort) {
-  const struct {
-    const char* path;
-    std::string bytes, report;
-  } cases[] = {
+  const struct { const char* path; std::string bytes, report; } cases[] = {
       {"crt_empty.raw", "", "karvo-terrain: crt_empty.raw: the file is empty\n"},
       {"crt_short.raw", "ab", "karvo-terrain: crt_short.raw: the file ends early\n"},
   };

@@ -14,22 +14,8 @@ using Fake = FakeDirect3D;
 using Types = std::vector<D3DDEVTYPE>;
 constexpr D3DFORMAT X8 = D3DFMT_X8R8G8B8;
 
-D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return {w, h, r, f}; }
-
-Fake Adapters(int count = 1) {
-  Fake d3d;
-  d3d.adapters.assign(count, Fake::GoodAdapter());
-  return d3d;
-}
-
-// All options of all devices of all adapters, flattened.
-std::vector<const CD3DOptionRecord*> AllOptions(const CD3DInitialize& init) {
-  std::vector<const CD3DOptionRecord*> options;
-  for (const CD3DAdapterRecord* adapter : init.m_adapters)
-    for (const CD3DDeviceRecord* device : adapter->m_devices)
-      options.insert(options.end(), device->m_options.begin(), device->m_options.end());
-  return options;
-}
+// n usable adapters.
+Fake Adapters(int n = 1) { return Fake(std::vector(n, Fake::GoodAdapter())); }
 
 Types DeviceTypes(const CD3DAdapterRecord& adapter) {
   Types types;
@@ -38,53 +24,39 @@ Types DeviceTypes(const CD3DAdapterRecord& adapter) {
 }
 
 // The smallest mode the application takes is 640 x 480 at 60 Hz; an adapter
-// with nothing at or above it is dropped, as is one without a device.
-TEST(Enumeration, AdapterWithoutAUsableModeOrDeviceIsDroppedAndTheObjectIsHeldOnce) {
+// with nothing at or above it is dropped, as is one without a device. The
+// modes kept are those of the display formats, in their order.
+TEST(Enumeration, AdaptersAndModesThatSurviveAndTheObjectIsHeldOnce) {
   EXPECT_EQ(CMyD3DInit().Enumerate(nullptr), E_FAIL);
-  Fake d3d = Adapters(3);
-  d3d.adapters[0].modes = {Mode(639, 480, 60, X8), Mode(640, 479, 60, X8), Mode(800, 600, 59, X8)};
+  Fake d3d = Adapters(4);
+  d3d.adapters[0].modes = {{639, 480, 60, X8}, {640, 479, 60, X8}, {800, 600, 59, X8}};
   d3d.adapters[1].devices.clear();
-  d3d.adapters[2].modes = {Mode(640, 480, 60, X8), Mode(640, 480, 60, X8)};
+  d3d.adapters[2].modes = {{640, 480, 60, X8}, {640, 480, 60, X8}};
+  d3d.adapters[3].modes = {{800, 600, 60, D3DFMT_R5G6B5}, {800, 600, 60, D3DFMT_A8R8G8B8},
+                           {1024, 768, 60, D3DFMT_X1R5G5B5}, {1024, 768, 60, X8}};
   {
     CMyD3DInit init;
     ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-    ASSERT_EQ(init.GetAdapterCount(), 1u);
+    ASSERT_EQ(init.GetAdapterCount(), 2u);
     EXPECT_EQ(init.GetAdapter(0)->m_ordinal, 2u);
     EXPECT_EQ(init.GetAdapter(0)->m_modes.size(), 2u) << "duplicates are kept";
+    std::vector<D3DFORMAT> formats;
+    for (const D3DDISPLAYMODE& mode : init.GetAdapter(1)->m_modes) formats.push_back(mode.Format);
+    EXPECT_EQ(formats, (std::vector<D3DFORMAT>{X8, D3DFMT_X1R5G5B5, D3DFMT_R5G6B5}));
     EXPECT_EQ(d3d.References(), 2u);
   }
   EXPECT_EQ(d3d.References(), 1u);
-}
 
-TEST(Enumeration, ModesComeInDisplayFormatOrderAndOnlyThoseFormats) {
-  Fake d3d = Adapters();
-  d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(800, 600, 60, D3DFMT_A8R8G8B8),
-                           Mode(1024, 768, 60, D3DFMT_X1R5G5B5), Mode(1024, 768, 60, X8)};
-  CD3DInitialize init;
-  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  const std::vector<D3DDISPLAYMODE>& modes = init.GetAdapter(0)->m_modes;
-  ASSERT_EQ(modes.size(), 3u);
-  EXPECT_EQ(modes[0].Format, X8);
-  EXPECT_EQ(modes[1].Format, D3DFMT_X1R5G5B5);
-  EXPECT_EQ(modes[2].Format, D3DFMT_R5G6B5);
-}
-
-TEST(Enumeration, FailingModeListEndsTheWalkButFailingCapsSkipsOneType) {
-  Fake d3d = Adapters(3);
-  d3d.FailOn(Fake::CALL_EnumAdapterModes, D3DERR_NOTAVAILABLE, 1);  // the second adapter's
+  // A failing mode list ends the walk.
+  Fake failing = Adapters(3);
+  failing.FailOn(Fake::CALL_EnumAdapterModes, D3DERR_NOTAVAILABLE, 1);  // the second adapter's
   CMyD3DInit init;
-  EXPECT_EQ(init.Enumerate(&d3d), D3DERR_NOTAVAILABLE);
+  EXPECT_EQ(init.Enumerate(&failing), D3DERR_NOTAVAILABLE);
   EXPECT_EQ(init.GetAdapterCount(), 1u) << "records already made stay";
-  EXPECT_EQ(d3d.Calls(Fake::CALL_GetAdapterIdentifier), 2) << "the third adapter is never tried";
-
-  Fake caps = Adapters();
-  caps.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
-  caps.FailOn(Fake::CALL_GetDeviceCaps, D3DERR_INVALIDCALL, 0);  // HAL's
-  CMyD3DInit skipped;
-  EXPECT_EQ(skipped.Enumerate(&caps), S_OK);
-  EXPECT_EQ(DeviceTypes(*skipped.GetAdapter(0)), Types{D3DDEVTYPE_REF});
+  EXPECT_EQ(failing.Calls(Fake::CALL_GetAdapterIdentifier), 2) << "the third adapter is never tried";
 }
 
+// Device types in order; one whose caps lack a need or cannot be had is dropped alone.
 TEST(Enumeration, DeviceTypesInOrderAndRefusedCapsDropOnlyThatType) {
   Fake d3d = Adapters();
   d3d.adapters[0].devices[D3DDEVTYPE_REF] = d3d.adapters[0].devices[D3DDEVTYPE_SW] = Fake::GoodCaps();
@@ -102,17 +74,28 @@ TEST(Enumeration, DeviceTypesInOrderAndRefusedCapsDropOnlyThatType) {
     EXPECT_EQ(DeviceTypes(*init.GetAdapter(0)),
               bit ? Types({D3DDEVTYPE_SW, D3DDEVTYPE_REF}) : Types({D3DDEVTYPE_HAL, D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
   }
+  d3d.FailOn(Fake::CALL_GetDeviceCaps, D3DERR_INVALIDCALL, 0);  // HAL's
+  CMyD3DInit skipped;
+  EXPECT_EQ(skipped.Enumerate(&d3d), S_OK);
+  EXPECT_EQ(DeviceTypes(*skipped.GetAdapter(0)), Types({D3DDEVTYPE_SW, D3DDEVTYPE_REF}));
 }
 
-TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrder) {
+// A 16-bit desktop: per device type at most 22 options, in the table's order
+// of back buffer formats and full screen first, each with its depth formats
+// in table order; an option without a depth format is dropped.
+TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrderEachWithADepth) {
   Fake d3d = Adapters();
-  d3d.adapters[0].modes = {Mode(800, 600, 60, D3DFMT_R5G6B5), Mode(1024, 768, 60, D3DFMT_R5G6B5)};
+  d3d.adapters[0].modes = {{800, 600, 60, D3DFMT_R5G6B5}, {1024, 768, 60, D3DFMT_R5G6B5}};
   d3d.adapters[0].devices[D3DDEVTYPE_REF] = Fake::GoodCaps();
   const std::vector<D3DFORMAT> table = {D3DFMT_R8G8B8,   D3DFMT_A8R8G8B8, X8, D3DFMT_R5G6B5, D3DFMT_A1R5G5B5,
                                         D3DFMT_X1R5G5B5, D3DFMT_R3G3B2, D3DFMT_A8R3G3B2, D3DFMT_X4R4G4B4,
                                         D3DFMT_A4R4G4B4, D3DFMT_A2B10G10R10};
   d3d.adapters[0].backBufferFormats = {table.begin(), table.end()};
   d3d.adapters[0].backBufferFormats.insert(D3DFMT_A8B8G8R8);  // no candidate
+  d3d.adapters[0].depthFormats = {D3DFMT_D15S1,   D3DFMT_D16, D3DFMT_D24S8,       D3DFMT_D24X8,
+                                  D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
+  const std::vector<D3DFORMAT> depths = {D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8,
+                                         D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1};
   CMyD3DInit init;
   ASSERT_EQ(init.Enumerate(&d3d), S_OK);
   for (const CD3DDeviceRecord* device : init.GetAdapter(0)->m_devices) {
@@ -121,24 +104,16 @@ TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrde
       const CD3DOptionRecord& option = *device->m_options[i];
       EXPECT_EQ(option.m_backBufferFormat, table[i / 2]);
       EXPECT_EQ(option.m_windowed, i % 2 == 1) << "full screen first";
+      EXPECT_EQ(option.m_depthFormats, depths);
     }
   }
-}
 
-TEST(Enumeration, DepthFormatsInTableOrderAndAnOptionWithoutADepthIsDropped) {
-  Fake d3d = Adapters();
-  d3d.adapters[0].depthFormats = {D3DFMT_D15S1,   D3DFMT_D16, D3DFMT_D24S8,       D3DFMT_D24X8,
-                                  D3DFMT_D24X4S4, D3DFMT_D32, D3DFMT_D16_LOCKABLE};
-  CMyD3DInit all;
-  ASSERT_EQ(all.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(AllOptions(all)[0]->m_depthFormats, (std::vector<D3DFORMAT>{D3DFMT_D32, D3DFMT_D24X4S4, D3DFMT_D24X8,
-                                                                        D3DFMT_D24S8, D3DFMT_D16, D3DFMT_D15S1}));
-
-  d3d.adapters[0].depthFormats = {D3DFMT_D16};
-  d3d.adapters[0].unmatchedDepth = {{D3DFMT_A8R8G8B8, D3DFMT_D16}};
-  CMyD3DInit init;
-  ASSERT_EQ(init.Enumerate(&d3d), S_OK);
-  EXPECT_EQ(AllOptions(init).size(), 2u) << "only X8 back buffers have a depth format";
+  Fake unmatched = Adapters();
+  unmatched.adapters[0].depthFormats = {D3DFMT_D16};
+  unmatched.adapters[0].unmatchedDepth = {{D3DFMT_A8R8G8B8, D3DFMT_D16}};
+  CMyD3DInit dropped;
+  ASSERT_EQ(dropped.Enumerate(&unmatched), S_OK);
+  EXPECT_EQ(dropped.GetAdapter(0)->m_devices[0]->m_options.size(), 2u) << "only X8 back buffers have a depth format";
 }
 
 }  // namespace

@@ -28,10 +28,7 @@ D3DDISPLAYMODE Mode(UINT w, UINT h, UINT r, D3DFORMAT f) { return {w, h, r, f}; 
 // Devices and options go to the adapter added last.
 class Tree {
  public:
-  Tree() {
-    m_init.m_d3d = &m_d3d;
-    m_d3d.AddRef();
-  }
+  Tree() { m_init.m_d3d = &m_d3d; m_d3d.AddRef(); }
 
   // An adapter whose present mode is desktop, with these full-screen modes.
   void Adapter(D3DDISPLAYMODE desktop, std::vector<D3DDISPLAYMODE> modes = {}) {
@@ -134,12 +131,9 @@ TEST(FullScreenSearch, BestOptionRules) {
 }
 
 TEST(FullScreenSearch, ModeWalkRules) {
-  const struct {
-    const char* what;
-    UINT matchHeight;  // of a 1280-wide match whose rate and format are 0: the desktop's 85 and X8
-    std::vector<D3DDISPLAYMODE> modes;
-    D3DDISPLAYMODE expected;
-  } cases[] = {
+  // matchHeight: of a 1280-wide match whose rate and format are 0, which take the desktop's 85 and X8.
+  const struct { const char* what; UINT matchHeight; std::vector<D3DDISPLAYMODE> modes; D3DDISPLAYMODE expected; }
+      cases[] = {
       {"the last mode of width 1280 wins, whatever its height", 800,
        {Mode(800, 600, 60, X8), Mode(1280, 720, 60, X8), Mode(1280, 1024, 60, X8), Mode(1024, 768, 60, X8)},
        Mode(1280, 1024, 60, X8)},

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "app/Resources.h"
@@ -37,18 +38,12 @@ Step Pick(int id, const std::string& text) {
       if (list->entries[i] == text) win32::UserSelect(list->handle, static_cast<int>(i));
   };
 }
-Step Click(int id) {
-  return [id](HWND dlg) { win32::UserClick(GetDlgItem(dlg, id)); };
-}
+Step Click(int id) { return [id](HWND dlg) { win32::UserClick(GetDlgItem(dlg, id)); }; }
 
 // One dialog run: the steps run one per turn, once the cascade has settled;
 // a snapshot of the dialog is taken before each step and after the last,
 // then the last step's button ends it (OK unless the steps end it).
-struct DialogRun {
-  int result = 0;
-  CD3DSettings settings{};
-  std::vector<win32::DialogInfo> shots;
-};
+struct DialogRun { int result = 0; CD3DSettings settings{}; std::vector<win32::DialogInfo> shots; };
 
 DialogRun Open(Fake& d3d, const CD3DSettings* start, std::vector<Step> steps = {}) {
   RegisterResources();
@@ -87,22 +82,23 @@ Fake ModesAdapter() {
   return d3d;
 }
 
-TEST(SettingsDialog, OpensWithEveryListFilledAndOkGivesTheSettingsBack) {
+// A device that cannot draw in a window turns a windowed start into full screen.
+TEST(SettingsDialog, OpensWithEveryListFilledInFullScreenForAFullScreenOnlyDeviceAndOkGivesTheSettingsBack) {
   Fake d3d = ModesAdapter();
+  d3d.adapters[0].fullscreenOnly = true;
   d3d.adapters[0].multiSample = {
       {D3DMULTISAMPLE_NONE, 1}, {D3DMULTISAMPLE_2_SAMPLES, 0}, {D3DMULTISAMPLE_4_SAMPLES, 3}};
   CD3DSettings start = FullScreen(d3d);
+  start.m_windowed = true;
   start.m_fullscreenSettings.m_displayMode = {1024, 768, 85, X8};
   start.m_fullscreenSettings.m_multiSampleType = D3DMULTISAMPLE_4_SAMPLES;
   start.m_fullscreenSettings.m_multiSampleQuality = 2;
   const DialogRun run = Open(d3d, &start, {Pick(IDC_MULTISAMPLE_TYPE_COMBO, "D3DMULTISAMPLE_NONE"),
                                            Pick(IDC_MULTISAMPLE_TYPE_COMBO, "D3DMULTISAMPLE_2_SAMPLES")});
   ASSERT_EQ(run.shots.size(), 3u);
-  const struct {
-    int id;
-    Texts entries;
-    int selected;
-  } lists[] = {
+  EXPECT_FALSE(Find(run.shots[0], IDC_WINDOW)->enabled);
+  EXPECT_TRUE(Find(run.shots[0], IDC_FULLSCREEN)->checked);
+  const struct { int id; Texts entries; int selected; } lists[] = {
       {IDC_ADAPTERFORMAT_COMBO, {"D3DFMT_X8R8G8B8", "D3DFMT_R5G6B5"}, 0},
       // one entry per size; the rates of the chosen size only
       {IDC_RESOLUTION_COMBO, {"800 x 600", "1024 x 768"}, 1},
@@ -131,21 +127,11 @@ TEST(SettingsDialog, OpensWithEveryListFilledAndOkGivesTheSettingsBack) {
   EXPECT_TRUE(Find(run.shots[2], IDC_MULTISAMPLE_QUALITY_COMBO)->entries.empty());
 
   EXPECT_EQ(run.result, IDOK);
-  const CD3DDisplaySettings& s = run.settings.m_fullscreenSettings;
-  EXPECT_EQ(s.m_multiSampleType, D3DMULTISAMPLE_2_SAMPLES);
-  EXPECT_EQ(s.m_multiSampleQuality, 0u);  // the last quality stored, from the one-level type
-  EXPECT_EQ(s.m_displayMode.RefreshRate, 85u);
-}
-
-TEST(SettingsDialog, AFullScreenOnlyDeviceTurnsAWindowedStartIntoFullScreen) {
-  Fake d3d({Fake::GoodAdapter()});
-  d3d.adapters[0].fullscreenOnly = true;
-  CD3DSettings start = FullScreen(d3d);
-  start.m_windowed = true;
-  const DialogRun run = Open(d3d, &start);
-  EXPECT_FALSE(Find(run.shots[0], IDC_WINDOW)->enabled);
-  EXPECT_TRUE(Find(run.shots[0], IDC_FULLSCREEN)->checked);
   EXPECT_FALSE(run.settings.m_windowed);
+  // The last quality stored comes from the one-level type.
+  const CD3DDisplaySettings& s = run.settings.m_fullscreenSettings;
+  EXPECT_EQ(std::tie(s.m_multiSampleType, s.m_multiSampleQuality, s.m_displayMode.RefreshRate),
+            std::make_tuple(D3DMULTISAMPLE_2_SAMPLES, 0u, 85u));
 }
 
 TEST(SettingsDialog, TheWindowedSwitchGreysTheModeListsAndBackRefillsThemFromTheFullScreenSide) {
@@ -156,12 +142,7 @@ TEST(SettingsDialog, TheWindowedSwitchGreysTheModeListsAndBackRefillsThemFromThe
   start.m_windowedSettings.m_displayMode = d3d.adapters[0].desktop;
   const DialogRun run = Open(d3d, &start, {Click(IDC_WINDOW), Click(IDC_FULLSCREEN)});
   ASSERT_EQ(run.shots.size(), 3u);
-  const struct {
-    int id;
-    std::string windowed;
-    Texts full;
-    int selected;
-  } lists[] = {
+  const struct { int id; std::string windowed; Texts full; int selected; } lists[] = {
       {IDC_ADAPTERFORMAT_COMBO, "D3DFMT_X8R8G8B8", {"D3DFMT_X8R8G8B8", "D3DFMT_R5G6B5"}, 0},
       {IDC_RESOLUTION_COMBO, "1024 x 768", {"800 x 600", "1024 x 768"}, 0},
       {IDC_REFRESHRATE_COMBO, "60 Hz", {"60 Hz", "75 Hz"}, 1},
@@ -194,15 +175,13 @@ TEST(SettingsDialog, AStartValueMissingFromAListFallsBackToItsFirstEntry) {
   EXPECT_EQ(Find(run.shots[0], IDC_RESOLUTION_COMBO)->entries, Texts{"1280 x 1024"});
   EXPECT_EQ(Find(run.shots[1], IDC_RESOLUTION_COMBO)->entries, Texts{"1024 x 768"});
   const CD3DDisplaySettings& s = run.settings.m_windowedSettings;
-  EXPECT_EQ(s.m_deviceType, D3DDEVTYPE_HAL);
-  EXPECT_EQ(s.m_backBufferFormat, D3DFMT_A8R8G8B8);
-  EXPECT_EQ(s.m_depthStencilFormat, D3DFMT_D24S8);
+  EXPECT_EQ(std::tie(s.m_deviceType, s.m_backBufferFormat, s.m_depthStencilFormat),
+            std::make_tuple(D3DDEVTYPE_HAL, D3DFMT_A8R8G8B8, D3DFMT_D24S8));
 }
 
 TEST(SettingsDialog, CancelAnswersTwoAndANullStartIsTheDesktopOfAdapterZeroInAWindowOfAtMostOneRetrace) {
   Fake d3d = ModesAdapter();
-  const DialogRun run =
-      Open(d3d, nullptr, {Pick(IDC_BACKBUFFERFORMAT_COMBO, "D3DFMT_A8R8G8B8"), Click(IDCANCEL)});
+  const DialogRun run = Open(d3d, nullptr, {Pick(IDC_BACKBUFFERFORMAT_COMBO, "D3DFMT_A8R8G8B8"), Click(IDCANCEL)});
   EXPECT_EQ(run.result, IDCANCEL);
   EXPECT_TRUE(Find(run.shots[0], IDC_WINDOW)->checked);
   EXPECT_EQ(Find(run.shots[0], IDC_RESOLUTION_COMBO)->entries, Texts{"1024 x 768"});

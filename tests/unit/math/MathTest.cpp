@@ -6,12 +6,6 @@
 
 namespace {
 
-void ExpectVec(const D3DXVECTOR3& v, float x, float y, float z) {
-  EXPECT_NEAR(v.x, x, 1e-6f);
-  EXPECT_NEAR(v.y, y, 1e-6f);
-  EXPECT_NEAR(v.z, z, 1e-6f);
-}
-
 TEST(Math, VectorsInPlaceAndAPositiveTurn) {
   D3DXVECTOR3 zero(0.0f, 0.0f, 0.0f), a(1.0f, 2.0f, 3.0f), b(-4.0f, 0.5f, 2.0f), separate;
   EXPECT_EQ(*D3DXVec3Normalize(&zero, &zero), D3DXVECTOR3(0.0f, 0.0f, 0.0f));
@@ -25,18 +19,18 @@ TEST(Math, VectorsInPlaceAndAPositiveTurn) {
   D3DXMatrixRotationAxis(&m, &axis, D3DX_PI / 2.0f);
   m._41 = 10.0f;
   D3DXVECTOR3 v(0.0f, 0.0f, 1.0f);
-  ExpectVec(*D3DXVec3TransformNormal(&v, &v, &m), 1.0f, 0.0f, 0.0f);
+  const D3DXVECTOR3 turned = *D3DXVec3TransformNormal(&v, &v, &m);
+  EXPECT_NEAR(turned.x, 1.0f, 1e-6f);
+  EXPECT_NEAR(turned.y, 0.0f, 1e-6f);
+  EXPECT_NEAR(turned.z, 0.0f, 1e-6f);
 }
 
-TEST(Math, LookAtFromOriginAlongZIsIdentity) {
+TEST(Math, LookAtFromOriginAlongZIsIdentityAndPerspectiveFovTerms) {
   const D3DXVECTOR3 eye(0, 0, 0), at(0, 0, 5), up(0, 1, 0);
   D3DXMATRIX m, identity;
   D3DXMatrixLookAtLH(&m, &eye, &at, &up);
   EXPECT_EQ(m, *D3DXMatrixIdentity(&identity));
-}
 
-TEST(Math, PerspectiveFovTerms) {
-  D3DXMATRIX m;
   D3DXMatrixPerspectiveFovLH(&m, D3DX_PI / 2.0f, 2.0f, 1.0f, 101.0f);
   EXPECT_NEAR(m._22, 1.0f, 1e-6f);
   EXPECT_NEAR(m._11, 0.5f, 1e-6f);

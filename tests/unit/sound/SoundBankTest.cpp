@@ -3,37 +3,33 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "SoundTestApp.h"
-
-using soundtest::App;
+#include "support/FakeBass.h"
+#include "unit/render/AppUnderTest.h"
 
 namespace {
 
 TEST(SoundBank, LoadsTheSlotsInOrderAndFetchesEachChannelOnce) {
   fakebass::Reset();
-  App app;
-  CGameApp& a = *app;
-  std::vector<std::string> files;
-  for (const char* name : {"diving_short", "shagi_trava_short", "swim_short", "breathe_short", "kashel_short",
-                           "poperhnulsya", "smeh_short1", "smeh_short2", "jump_small2"})
-    files.push_back(std::string("music\\") + name + ".mp3");
-  for (int i = 1; i <= 17; ++i) files.push_back("speech\\mp3\\" + std::to_string(i) + ".mp3");
-  files.push_back("speech\\mp3\\ostanki_pogibshey.mp3");
-  files.push_back("speech\\mp3\\kak_zabratsa_na_neboskreb.mp3");
-  std::vector<const CSoundSlot*> slots = {&a.m_soundDiving, &a.m_soundSteps,  &a.m_soundSwim,
-                                          &a.m_soundBreathe, &a.m_soundCough, &a.m_soundChoke,
-                                          &a.m_soundLaugh1, &a.m_soundLaugh2, &a.m_soundJump};
-  for (const CSoundSlot& speech : a.m_soundSpeech) slots.push_back(&speech);
-  slots.push_back(&a.m_soundRemains);
-  slots.push_back(&a.m_soundClimb);
-  ASSERT_EQ(fakebass::Loads().size(), files.size());
-  for (std::size_t i = 0; i < files.size(); ++i) {
+  AppUnderTest app;
+  CGameApp& a = *app.operator->();
+  // Each file and the slot that keeps its channel, in load order.
+  std::vector<std::pair<std::string, const CSoundSlot*>> slots = {
+      {"diving_short", &a.m_soundDiving},   {"shagi_trava_short", &a.m_soundSteps}, {"swim_short", &a.m_soundSwim},
+      {"breathe_short", &a.m_soundBreathe}, {"kashel_short", &a.m_soundCough},      {"poperhnulsya", &a.m_soundChoke},
+      {"smeh_short1", &a.m_soundLaugh1},    {"smeh_short2", &a.m_soundLaugh2},      {"jump_small2", &a.m_soundJump}};
+  for (auto& [file, slot] : slots) file = "music\\" + file + ".mp3";
+  for (int i = 1; i <= 17; ++i) slots.push_back({"speech\\mp3\\" + std::to_string(i) + ".mp3", &a.m_soundSpeech[i - 1]});
+  slots.push_back({"speech\\mp3\\ostanki_pogibshey.mp3", &a.m_soundRemains});
+  slots.push_back({"speech\\mp3\\kak_zabratsa_na_neboskreb.mp3", &a.m_soundClimb});
+  ASSERT_EQ(fakebass::Loads().size(), slots.size());
+  for (std::size_t i = 0; i < slots.size(); ++i) {
     const fakebass::Load& load = fakebass::Loads()[i];
-    EXPECT_EQ(load.path, files[i]);
+    EXPECT_EQ(load.path, slots[i].first);
     EXPECT_TRUE(load.max == 1 && load.flags == 0) << load.path << " must not loop";
-    EXPECT_EQ(slots[i]->m_channel, fakebass::ChannelOf(files[i])) << load.path;
+    EXPECT_EQ(slots[i].second->m_channel, fakebass::ChannelOf(slots[i].first)) << load.path;
   }
   EXPECT_EQ(fakebass::GetChannelCalls(), 28);
 }
@@ -45,7 +41,7 @@ TEST(SoundBank, AMissingFileEmptiesOnlyItsSlotAndAWrongVersionOnlyWarns) {
   fakebass::SetMissing("music\\breathe_short.mp3");
   fakebass::SetVersion(0x02030011);
   testing::internal::CaptureStderr();
-  App app;
+  AppUnderTest app;
   const std::string boxes = testing::internal::GetCapturedStderr();
   EXPECT_NE(boxes.find("Ошибка версии BASS."), std::string::npos) << boxes;
   EXPECT_TRUE(app->m_soundBreathe.m_channel == 0u && app->m_soundClimb.m_channel != 0u);

@@ -8,12 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "SoundTestApp.h"
 #include "platform/crt/crt.h"
-#include "platform/win32/script/Win32Script.h"
-#include "platform/win32/windows.h"
-
-using soundtest::App;
+#include "support/FakeBass.h"
+#include "unit/render/AppUnderTest.h"
 
 namespace {
 
@@ -27,15 +24,6 @@ std::uint32_t Advanced(std::uint32_t state, int draws) {
 
 // The result of the first draw from `state`.
 int FirstDraw(std::uint32_t state) { return int((Advanced(state, 1) >> 16) & 0x7FFF); }
-
-// From now on exactly these keys are held (delivered as for the next frame).
-void Hold(std::initializer_list<BYTE> keys) {
-  win32::script::Enable({.realWindows = false});
-  win32::script::HoldKeys(0, keys);
-  MSG msg;
-  for (int i = 0; i < 64 && PeekMessageA(&msg, NULL, 0, 0, PM_REMOVE); ++i) {
-  }
-}
 
 const std::string kSteps = "music\\shagi_trava_short.mp3";
 const std::string kDiving = "music\\diving_short.mp3";
@@ -62,22 +50,14 @@ class SoundRules : public ::testing::Test {
  protected:
   void SetUp() override {
     fakebass::Reset();
-    app_ = std::make_unique<App>();
-    ASSERT_TRUE((*app_)->m_player.SetCameraMode(CAM_MODE_1ST_PERSON));
-    (*app_)->m_playerHasMoved = 1;
-    Hold({});
+    app_ = std::make_unique<AppUnderTest>();
+    ASSERT_TRUE(app().m_player.SetCameraMode(CAM_MODE_1ST_PERSON));
+    app().m_playerHasMoved = 1;
     Seed(12345);
   }
-  void TearDown() override {
-    app_.reset();
-    win32::script::Disable();
-  }
-  CGameApp& app() { return **app_; }
+  CGameApp& app() { return *app_->operator->(); }
 
-  void Seed(std::uint32_t seed) {
-    crt::srand(seed);
-    seed_ = seed;
-  }
+  void Seed(std::uint32_t seed) { crt::srand(seed_ = seed); }
   // Draws made since the last Seed, judged by the generator's state.
   int Draws() const {
     for (int n = 0; n < 100000; ++n)
@@ -90,20 +70,32 @@ class SoundRules : public ::testing::Test {
   // One frame's rules; the files played in it.
   std::vector<std::string> Frame(std::uint32_t direction = 0) {
     fakebass::ClearPlays();
-    BYTE keys[256];  // the frame's key table, as ReadInput reads it
-    GetKeyboardState(keys);
-    app().RunSoundEvents(direction, keys);
+    app().RunSoundEvents(direction, keys_);
     for (const fakebass::Play& play : fakebass::Plays()) EXPECT_FALSE(play.restart);
     return fakebass::PlayedPaths();
   }
 
-  std::unique_ptr<App> app_;
+  std::unique_ptr<AppUnderTest> app_;
   std::uint32_t seed_ = 0;
+  BYTE keys_[256] = {};  // the frame's key table, as ReadInput reads it (held: 0x80)
 };
 
 }  // namespace
 
-TEST_F(SoundRules, AltitudeBandsPickStepsDivingSwimmingAndBreathing) {
+TEST_F(SoundRules, EachRandomSoundHasItsOwnDrawAndAltitudeBandsPickStepsDivingSwimmingAndBreathing) {
+  // The four draws of a frame on land, in order: modulus, hit, sound.
+  const struct { int modulus, hit; std::string path; } sounds[] = {
+      {12000, 77, "music\\kashel_short.mp3"}, {15000, 777, "music\\poperhnulsya.mp3"},
+      {18000, 777, "music\\smeh_short1.mp3"}, {19000, 777, "music\\smeh_short2.mp3"}};
+  At(kOpenX, kLand, kOpenZ);
+  for (int which = 0; which < 4; ++which) {
+    std::uint32_t seed = 1;  // one whose draw number `which` hits
+    while (FirstDraw(Advanced(seed, which)) % sounds[which].modulus != sounds[which].hit) ++seed;
+    Seed(seed);
+    EXPECT_EQ(Count(Frame(), sounds[which].path), 1) << "draw " << which;
+    EXPECT_EQ(Draws(), 4);
+  }
+
   // The four random sounds draw only above 850.
   const struct { float y; std::uint32_t direction; std::vector<std::string> played; int draws; } cases[] = {
       {849.5f, 0, {kDiving}, 0},                 {850.0f, MOVE_FORWARD, {kSwim}, 0},
@@ -128,21 +120,6 @@ TEST_F(SoundRules, AltitudeBandsPickStepsDivingSwimmingAndBreathing) {
   }
 }
 
-TEST_F(SoundRules, EachRandomSoundPlaysOnItsOwnDraw) {
-  // The four draws of a frame on land, in order: modulus, hit, sound.
-  const struct { int modulus, hit; std::string path; } sounds[] = {
-      {12000, 77, "music\\kashel_short.mp3"}, {15000, 777, "music\\poperhnulsya.mp3"},
-      {18000, 777, "music\\smeh_short1.mp3"}, {19000, 777, "music\\smeh_short2.mp3"}};
-  At(kOpenX, kLand, kOpenZ);
-  for (int which = 0; which < 4; ++which) {
-    std::uint32_t seed = 1;  // one whose draw number `which` hits
-    while (FirstDraw(Advanced(seed, which)) % sounds[which].modulus != sounds[which].hit) ++seed;
-    Seed(seed);
-    EXPECT_EQ(Count(Frame(), sounds[which].path), 1) << "draw " << which;
-    EXPECT_EQ(Draws(), 4);
-  }
-}
-
 TEST_F(SoundRules, TalkPicksFromTheLandAndWaterTablesAndBarsRandomSounds) {
   // Seeds whose first draw gives the wanted remainder, then the clip heard;
   // in the shore and deep bands (clip 0) the key starts the wait but nothing
@@ -151,7 +128,7 @@ TEST_F(SoundRules, TalkPicksFromTheLandAndWaterTablesAndBarsRandomSounds) {
       {kLand, 16, 0, 1}, {kLand, 16, 6, 7},    {kLand, 16, 7, 9}, {kLand, 16, 15, 17}, {850.0f, 10, 0, 3},
       {865.0f, 10, 4, 8}, {850.0f, 10, 9, 14}, {kShore, 1, 0, 0}, {872.0f, 1, 0, 0},   {kDeep, 1, 0, 0},
       {849.5f, 1, 0, 0}};
-  Hold({kTalkKey});
+  keys_[kTalkKey] = 0x80;
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << "y " << c.y << " r " << c.r);
     std::uint32_t seed = 1;
@@ -169,7 +146,7 @@ TEST_F(SoundRules, TalkPicksFromTheLandAndWaterTablesAndBarsRandomSounds) {
 
 TEST_F(SoundRules, HeldTalkKeyGivesAClipEvery333FramesAndNoRandomSoundsBetween) {
   At(kOpenX, kLand, kOpenZ);
-  Hold({kTalkKey});
+  keys_[kTalkKey] = 0x80;
   std::vector<int> clipFrames;
   for (int frame = 0; frame < 1000; ++frame) {
     for (const std::string& path : Frame(MOVE_FORWARD))

@@ -19,12 +19,9 @@ void ExpectVec(const D3DXVECTOR3& v, float x, float y, float z, float tol = 1e-4
 // Starts a script with the given keys held from frame 0 and crosses into
 // frame 0, so that GetKeyboardState reports them.
 void HoldKeys(std::initializer_list<BYTE> keys) {
-  win32::script::Options options;
-  options.realWindows = false;
-  win32::script::Enable(options);
+  win32::script::Enable({.realWindows = false});
   win32::script::HoldKeys(0, keys);
-  MSG msg;
-  while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+  for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);) {
   }
 }
 

@@ -7,14 +7,7 @@
 namespace {
 
 TEST(DisplayScale, DesktopSettingsGiveTheUiFactorAndTheBarHeight) {
-  struct Case {
-    const char* resources;
-    const char* gdkScale;
-    int window, drawable;
-    float ui, pixels;
-    int bar;
-  };
-  const Case cases[] = {
+  const struct { const char *resources, *gdkScale; int window, drawable; float ui, pixels; int bar; } cases[] = {
       {nullptr, nullptr, 1200, 1200, 1.0f, 1.0f, 19},
       {"Xft.dpi:\t192\n", nullptr, 1200, 1200, 2.0f, 1.0f, 38},
       {"Xft.antialias:\t1\nXft.dpi:\t144\nXft.hinting:\t1\n", nullptr, 1200, 1200, 1.5f, 1.0f, 28},
@@ -27,7 +20,7 @@ TEST(DisplayScale, DesktopSettingsGiveTheUiFactorAndTheBarHeight) {
       {"Xft.dpi:\t192\n", "2", 1200, 2400, 1.0f, 2.0f, 19},        // the compositor scales
       {nullptr, nullptr, 0, 2400, 1.0f, 1.0f, 19},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.resources ? c.resources : "-") + " / " + (c.gdkScale ? c.gdkScale : "-"));
     const win32::DisplayScale s = win32::ScaleFrom(c.resources, c.gdkScale, c.window, c.drawable);
     EXPECT_EQ(s.ui, c.ui);

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/win32/Win32Backend.h"
-#include "platform/win32/script/Win32Script.h"
 #include "platform/win32/Win32State.h"
+#include "platform/win32/script/Win32Script.h"
 
 using win32::detail::VirtualKeyOfSdl;
 
@@ -19,11 +19,7 @@ MSG Take() {
 }
 
 TEST(KeyTable, LettersFollowTheLayoutAndOtherKeysTheirRow) {
-  const struct {
-    SDL_Keycode sym;
-    SDL_Scancode scancode;
-    int vk;
-  } cases[] = {
+  const struct { SDL_Keycode sym; SDL_Scancode scancode; int vk; } cases[] = {
       // AZERTY: the key in the Q position types 'a'; a Cyrillic letter falls
       // back on the key's position.
       {SDLK_z, SDL_SCANCODE_Z, 'Z'}, {SDLK_a, SDL_SCANCODE_Q, 'A'}, {0x44F /* я */, SDL_SCANCODE_Z, 'Z'},
@@ -35,61 +31,50 @@ TEST(KeyTable, LettersFollowTheLayoutAndOtherKeysTheirRow) {
   for (const auto& c : cases) EXPECT_EQ(VirtualKeyOfSdl(c.sym, c.scancode), c.vk) << c.sym;
 }
 
-class SdlEvents : public ::testing::Test {
- protected:
-  void SetUp() override {
-    win32::script::Disable();
-    ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
-    while (Take().message != 0) {
-    }
+// A key event as SDL queues it; a mouse button event when `scancode` is left out.
+void Push(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode = SDL_SCANCODE_UNKNOWN) {
+  SDL_Event event = {};
+  event.type = type;
+  if (scancode == SDL_SCANCODE_UNKNOWN) {
+    event.button.button = static_cast<Uint8>(sym);
+  } else {
+    event.key.state = type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
+    event.key.keysym = {scancode, sym, 0, 0};
   }
-  void TearDown() override { SDL_QuitSubSystem(SDL_INIT_EVENTS); }
-
-  static void Push(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode = SDL_SCANCODE_UNKNOWN) {
-    SDL_Event event = {};
-    event.type = type;
-    if (type == SDL_MOUSEBUTTONDOWN || type == SDL_MOUSEBUTTONUP) {
-      event.button.button = static_cast<Uint8>(sym);
-    } else {
-      event.key.state = type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
-      event.key.keysym.sym = sym;
-      event.key.keysym.scancode = scancode;
-    }
-    ASSERT_EQ(SDL_PushEvent(&event), 1);
-  }
-};
-
-TEST_F(SdlEvents, MouseButtonsGiveTheirDownAndUpMessages) {
-  const struct {
-    Uint8 button;
-    UINT down, up;
-  } cases[] = {{SDL_BUTTON_LEFT, WM_LBUTTONDOWN, WM_LBUTTONUP}, {SDL_BUTTON_RIGHT, WM_RBUTTONDOWN, WM_RBUTTONUP},
-               {SDL_BUTTON_MIDDLE, WM_MBUTTONDOWN, WM_MBUTTONUP}};
-  for (const auto& c : cases) {
-    Push(SDL_MOUSEBUTTONDOWN, c.button);
-    Push(SDL_MOUSEBUTTONUP, c.button);
-    EXPECT_EQ(Take().message, c.down);
-    EXPECT_EQ(Take().message, c.up);
-  }
+  ASSERT_EQ(SDL_PushEvent(&event), 1);
 }
 
-bool TakeEverything(const SDL_Event&, void*) { return true; }
+// Mouse buttons give their down and up messages. A key held when the overlay
+// starts taking events (a menu opened with the mouse) must not stay down: its
+// release still counts, without a message.
+TEST(SdlEvents, ButtonsGiveTheirMessagesAndKeysAreHeldUntilReleasedEvenWhenTheOverlayTakesTheRelease) {
+  win32::script::Disable();
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
+  while (Take().message != 0) {
+  }
+  const struct { Uint8 button; UINT down, up; } buttons[] = {{SDL_BUTTON_LEFT, WM_LBUTTONDOWN, WM_LBUTTONUP},
+                                                             {SDL_BUTTON_RIGHT, WM_RBUTTONDOWN, WM_RBUTTONUP},
+                                                             {SDL_BUTTON_MIDDLE, WM_MBUTTONDOWN, WM_MBUTTONUP}};
+  for (const auto& b : buttons) {
+    Push(SDL_MOUSEBUTTONDOWN, b.button);
+    Push(SDL_MOUSEBUTTONUP, b.button);
+    EXPECT_EQ(Take().message, b.down);
+    EXPECT_EQ(Take().message, b.up);
+  }
 
-// A key held when the overlay starts taking events (a menu opened with the
-// mouse) must not stay down: its release still counts, without a message.
-TEST_F(SdlEvents, KeysAreHeldUntilReleasedEvenWhenTheOverlayTakesTheRelease) {
   Push(SDL_KEYDOWN, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
   const MSG msg = Take();
   EXPECT_EQ(msg.message, static_cast<UINT>(WM_KEYDOWN));
   EXPECT_EQ(msg.wParam, static_cast<WPARAM>(VK_SHIFT)) << "messages carry the generic shift";
   EXPECT_NE(GetKeyState(VK_SHIFT) & 0x8000, 0);
-  win32::SetEventHook(TakeEverything, nullptr);
+  win32::SetEventHook([](const SDL_Event&, void*) { return true; }, nullptr);  // the overlay takes everything
   Push(SDL_KEYDOWN, SDLK_j, SDL_SCANCODE_J);
   Push(SDL_KEYUP, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
   EXPECT_EQ(Take().message, 0u);
   win32::SetEventHook(nullptr, nullptr);
   EXPECT_EQ(GetKeyState('J') & 0x8000, 0);
   EXPECT_EQ(GetKeyState(VK_SHIFT) & 0x8000, 0);
+  SDL_QuitSubSystem(SDL_INIT_EVENTS);
 }
 
 }  // namespace

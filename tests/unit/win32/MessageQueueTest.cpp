@@ -13,13 +13,10 @@ namespace {
 
 using SizeMessages = std::vector<std::pair<WPARAM, LPARAM>>;
 
-SizeMessages& Sizes() {
-  static SizeMessages sizes;
-  return sizes;
-}
+SizeMessages s_sizes;  // the WM_SIZE messages the window got
 
 LRESULT CALLBACK RecordSizes(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_SIZE) Sizes().emplace_back(wParam, lParam);
+  if (message == WM_SIZE) s_sizes.emplace_back(wParam, lParam);
   return DefWindowProcA(hWnd, message, wParam, lParam);
 }
 
@@ -33,7 +30,7 @@ class WindowMessages : public ::testing::Test {
  protected:
   void SetUp() override {
     win32::script::Enable({.realWindows = false});
-    Sizes().clear();
+    s_sizes.clear();
     WNDCLASSA windowClass = {};
     windowClass.lpfnWndProc = RecordSizes;
     windowClass.hInstance = GetModuleHandleA(nullptr);
@@ -62,7 +59,7 @@ TEST_F(WindowMessages, PostedMessagesComeInOrderThenQuitThenAFrame) {
 }
 
 TEST_F(WindowMessages, WmSizeComesAtTheFirstShowingAndInsideSetWindowPosOnlyForANewSize) {
-  EXPECT_TRUE(Sizes().empty()) << "no WM_SIZE before the window is shown";
+  EXPECT_TRUE(s_sizes.empty()) << "no WM_SIZE before the window is shown";
   EXPECT_FALSE(ShowWindow(m_hWnd, SW_SHOW));
   EXPECT_TRUE(ShowWindow(m_hWnd, SW_SHOW));  // the same size again tells nothing new
   ASSERT_TRUE(SetWindowPos(m_hWnd, HWND_NOTOPMOST, 50, 50, 400, 400, SWP_SHOWWINDOW | SWP_NOACTIVATE));
@@ -70,10 +67,8 @@ TEST_F(WindowMessages, WmSizeComesAtTheFirstShowingAndInsideSetWindowPosOnlyForA
   ShowWindow(m_hWnd, SW_MINIMIZE);
   EXPECT_TRUE(win32::IsMinimized(m_hWnd));
   ShowWindow(m_hWnd, SW_RESTORE);
-  EXPECT_EQ(Sizes(), (SizeMessages{{SIZE_RESTORED, MAKELPARAM(1200, 700)},
-                                   {SIZE_RESTORED, MAKELPARAM(400, 400)},
-                                   {SIZE_MINIMIZED, 0},
-                                   {SIZE_RESTORED, MAKELPARAM(400, 400)}}));
+  EXPECT_EQ(s_sizes, (SizeMessages{{SIZE_RESTORED, MAKELPARAM(1200, 700)}, {SIZE_RESTORED, MAKELPARAM(400, 400)},
+                                   {SIZE_MINIMIZED, 0}, {SIZE_RESTORED, MAKELPARAM(400, 400)}}));
 }
 
 }  // namespace
