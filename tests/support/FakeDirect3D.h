@@ -104,16 +104,8 @@ class FakeDirect3D final : public IDirect3D9 {
   } lastCreate;
   // Adapters asked of GetAdapterDisplayMode, in order.
   std::vector<UINT> displayModeQueries;
-  // Every CheckDeviceFormat question, in order.
-  struct FormatQuery {
-    UINT adapter;
-    D3DDEVTYPE type;
-    D3DFORMAT adapterFormat;
-    DWORD usage;
-    D3DRESOURCETYPE resource;
-    D3DFORMAT format;
-  };
-  std::vector<FormatQuery> formatQueries;
+  // The adapter format and the format asked of every CheckDeviceFormat, in order.
+  std::vector<std::pair<D3DFORMAT, D3DFORMAT>> formatQueries;
 
   // ---- IDirect3D9 ----
   ULONG AddRef() override { return ++m_references; }
@@ -162,7 +154,7 @@ class FakeDirect3D final : public IDirect3D9 {
   }
   HRESULT CheckDeviceFormat(UINT ordinal, D3DDEVTYPE type, D3DFORMAT adapterFormat, DWORD usage,
                             D3DRESOURCETYPE resource, D3DFORMAT format) override {
-    formatQueries.push_back({ordinal, type, adapterFormat, usage, resource, format});
+    formatQueries.push_back({adapterFormat, format});
     const Adapter* adapter = nullptr;
     if (const HRESULT hr = Enter(CALL_CheckDeviceFormat, ordinal, adapter, &type); FAILED(hr)) return hr;
     const std::set<D3DFORMAT>* accepted = nullptr;

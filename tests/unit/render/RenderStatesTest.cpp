@@ -119,8 +119,10 @@ TEST_F(RenderStates, TextureFormatsAreSearchedBestFirstOnTheDisplayFormat) {
   ASSERT_TRUE(app->ValidateRenderOptions());
   EXPECT_EQ(app->m_textureFormat, D3DFMT_X8R8G8B8);
   EXPECT_EQ(app->m_alphaFormat, D3DFMT_A1R5G5B5);
-  ASSERT_EQ(d3d.formatQueries.size(), 5u);  // DXT1, X8R8G8B8; DXT3, A8R8G8B8, A1R5G5B5
-  for (const auto& query : d3d.formatQueries) EXPECT_EQ(query.adapterFormat, D3DFMT_R5G6B5);
+  constexpr D3DFORMAT R5 = D3DFMT_R5G6B5;
+  EXPECT_EQ(d3d.formatQueries, (std::vector<std::pair<D3DFORMAT, D3DFORMAT>>{
+                                   {R5, D3DFMT_DXT1}, {R5, D3DFMT_X8R8G8B8}, {R5, D3DFMT_DXT3},
+                                   {R5, D3DFMT_A8R8G8B8}, {R5, D3DFMT_A1R5G5B5}}));
 }
 
 TEST_F(RenderStates, MissingTextureFormatsShowABoxAndFail) {
