@@ -3,7 +3,7 @@
 // Every device call is appended to a log as a DeviceCall (method name plus its
 // arguments as numbers), so a test can compare what the code under test sent
 // with what it should have sent. The fake also keeps the current render,
-// sampler and stage states (with the platform's defaults), and makes buffers
+// sampler and stage states as last set, and makes buffers
 // and textures with real memory, so Lock/LockRect work and the contents can
 // be read back.
 //
@@ -223,24 +223,12 @@ class RecordingDevice : public IDirect3DDevice9 {
   // ---- current state ---------------------------------------------------------------
   ULONG RefCount() const { return refs_; }
   int LiveResources() const { return log_->liveResources; }
-  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), DWORD(0)); }
-  // Unset sampler states read WRAP, POINT, mip NONE and anisotropy 1.
-  DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const {
-    return Lookup(samplerStates_, {sampler, t}, t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : DWORD(1));
-  }
-  DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const {
-    DWORD fallback = 0;
-    switch (t) {
-      case D3DTSS_COLOROP: fallback = stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE; break;
-      case D3DTSS_ALPHAOP: fallback = stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE; break;
-      case D3DTSS_COLORARG1:
-      case D3DTSS_ALPHAARG1: fallback = D3DTA_TEXTURE; break;
-      case D3DTSS_COLORARG2:
-      case D3DTSS_ALPHAARG2: fallback = D3DTA_CURRENT; break;
-      case D3DTSS_TEXCOORDINDEX: fallback = stage; break;
-    }
-    return Lookup(stageStates_, {stage, t}, fallback);
-  }
+  // States as last set. One never set reads kUnset, not the platform's
+  // default, so that a forgotten call cannot pass for the value a test expects.
+  static constexpr DWORD kUnset = 0xFFFFFFFFu;
+  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), kUnset); }
+  DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const { return Lookup(samplerStates_, {sampler, t}, kUnset); }
+  DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const { return Lookup(stageStates_, {stage, t}, kUnset); }
   const D3DPRESENT_PARAMETERS& LastResetParameters() const { return lastReset_; }
 
   // ---- IDirect3DDevice9 ---------------------------------------------------------------
@@ -388,11 +376,7 @@ class RecordingDevice : public IDirect3DDevice9 {
   std::shared_ptr<detail::SharedLog> log_;
   ULONG refs_ = 1;
   bool inScene_ = false;
-  // The platform's defaults for the render states; unlisted ones start at 0.
-  std::map<DWORD, DWORD> renderStates_{
-      {D3DRS_ZENABLE, D3DZB_TRUE},     {D3DRS_FILLMODE, D3DFILL_SOLID},    {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
-      {D3DRS_ZWRITEENABLE, TRUE},      {D3DRS_SRCBLEND, D3DBLEND_ONE},     {D3DRS_DESTBLEND, D3DBLEND_ZERO},
-      {D3DRS_CULLMODE, D3DCULL_CCW},   {D3DRS_ZFUNC, D3DCMP_LESSEQUAL},    {D3DRS_LIGHTING, TRUE}};
+  std::map<DWORD, DWORD> renderStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> samplerStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;
