@@ -2,7 +2,7 @@
 //
 // Every device call is appended to a log as a DeviceCall (method name plus its
 // arguments as numbers), so a test can compare what the code under test sent
-// with what it should have sent. The fake also keeps the current render,
+// with what it should have sent; locks of the resources it made are not. The fake also keeps the current render,
 // sampler and stage states as last set, and makes buffers
 // and textures with real memory, so Lock/LockRect work and the contents can
 // be read back.
@@ -99,10 +99,9 @@ class FakeResource : public Interface {
 template <class Interface>
 class FakeBuffer : public FakeResource<Interface> {
  public:
-  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, D3DPOOL pool)
-      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), pool_(pool) {}
-  HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
-    this->log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
+  FakeBuffer(std::shared_ptr<SharedLog> log, UINT length, DWORD usage, D3DPOOL pool)
+      : FakeResource<Interface>(std::move(log)), bytes_(length), usage_(usage), pool_(pool) {}
+  HRESULT Lock(UINT offset, UINT size, void** data, DWORD) override {
     if (data == nullptr || offset > bytes_.size() || (size != 0 && offset + size > bytes_.size()))
       return D3DERR_INVALIDCALL;
     *data = bytes_.data() + offset;
@@ -110,7 +109,6 @@ class FakeBuffer : public FakeResource<Interface> {
     return D3D_OK;
   }
   HRESULT Unlock() override {
-    this->log_->calls.push_back({kind_ + ".Unlock"});
     if (!locked_) return D3DERR_INVALIDCALL;
     locked_ = false;
     return D3D_OK;
@@ -121,7 +119,6 @@ class FakeBuffer : public FakeResource<Interface> {
   D3DPOOL Pool() const { return pool_; }
 
  private:
-  std::string kind_;
   std::vector<std::uint8_t> bytes_;
   DWORD usage_;
   D3DPOOL pool_;
@@ -150,15 +147,13 @@ class FakeTexture : public FakeResource<IDirect3DTexture9> {
                             levels_[level].width, levels_[level].height};
     return D3D_OK;
   }
-  HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD flags) override {
-    log_->calls.push_back({"Texture.LockRect", {double(level), Ptr(area), double(flags)}});
+  HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD) override {
     if (level >= levels_.size() || rect == nullptr || area != nullptr) return D3DERR_INVALIDCALL;
     rect->Pitch = INT(levels_[level].width * 4);
     rect->pBits = levels_[level].texels.data();
     return D3D_OK;
   }
   HRESULT UnlockRect(UINT level) override {
-    log_->calls.push_back({"Texture.UnlockRect", {double(level)}});
     return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
   }
 
@@ -263,13 +258,13 @@ class RecordingDevice : public IDirect3DDevice9 {
                              HANDLE* shared) override {
     Log("CreateVertexBuffer", {double(length), double(usage), double(fvf), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, pool); });
+                  [&] { return new FakeVertexBuffer(log_, length, usage, pool); });
   }
   HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
                             HANDLE* shared) override {
     Log("CreateIndexBuffer", {double(length), double(usage), double(format), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, pool); });
+                  [&] { return new FakeIndexBuffer(log_, length, usage, pool); });
   }
 
   HRESULT BeginScene() override {
