@@ -76,7 +76,7 @@ HSAMPLE BASS_SampleLoad(BOOL mem, const void* file, QWORD, DWORD, DWORD max, DWO
     S().channelGiven.push_back(false);
     sample = kSampleBase + DWORD(S().samplePaths.size());
   }
-  S().loads.push_back(Load{path, max, flags, sample});
+  S().loads.push_back(Load{path, max, flags});
   return sample;
 }
 
@@ -92,7 +92,7 @@ HCHANNEL BASS_SampleGetChannel(HSAMPLE handle, BOOL) {
 
 BOOL BASS_ChannelPlay(DWORD handle, BOOL restart) {
   std::size_t n = Index(handle, kChannelBase);
-  S().plays.push_back(Play{handle, restart, n ? S().samplePaths[n - 1] : std::string()});
+  S().plays.push_back(Play{restart, n ? S().samplePaths[n - 1] : std::string()});
   return n ? TRUE : FALSE;
 }
 

@@ -18,11 +18,9 @@ struct Load {
   std::string path;  // as the caller wrote it
   DWORD max;
   DWORD flags;
-  HSAMPLE sample;  // 0 when the fake refused it
 };
 
 struct Play {
-  DWORD channel;
   BOOL restart;
   std::string path;  // the file behind the channel; empty for an unknown handle
 };

@@ -96,8 +96,6 @@ class FakeDirect3D final : public IDirect3D9 {
   // CreateDevice gives this device (AddRef'd) on success; the request lands here.
   IDirect3DDevice9* deviceToCreate = nullptr;
   struct CreateRequest {
-    UINT adapter = 0;
-    D3DDEVTYPE type{};
     HWND focusWindow = nullptr;
     DWORD flags = 0;
     D3DPRESENT_PARAMETERS params{};
@@ -186,9 +184,9 @@ class FakeDirect3D final : public IDirect3D9 {
     *caps = found->second;
     return S_OK;
   }
-  HRESULT CreateDevice(UINT ordinal, D3DDEVTYPE type, HWND focusWindow, DWORD flags, D3DPRESENT_PARAMETERS* params,
+  HRESULT CreateDevice(UINT ordinal, D3DDEVTYPE, HWND focusWindow, DWORD flags, D3DPRESENT_PARAMETERS* params,
                        IDirect3DDevice9** device) override {
-    lastCreate = {ordinal, type, focusWindow, flags, params ? *params : lastCreate.params};
+    lastCreate = {focusWindow, flags, params ? *params : lastCreate.params};
     const Adapter* adapter = nullptr;
     if (const HRESULT hr = Enter(CALL_CreateDevice, ordinal, adapter); FAILED(hr)) return hr;
     if (!device || !params || !deviceToCreate) return D3DERR_INVALIDCALL;
