@@ -232,9 +232,7 @@ std::string WriteMap(const std::string& name, std::size_t width, std::size_t hei
   return path;
 }
 
-TEST(Load, TheWorldsMapLoadsReleasesAndLoadsAgain) {
-  RecordingDevice device;
-  auto terrain = std::make_unique<CTerrain>();
+TEST_F(Blocks, TheWorldsMapLoadsReleasesAndLoadsAgain) {
   terrain->ReleaseTerrain();  // never loaded: harmless
   terrain->SetDevice(&device, true);
   ASSERT_TRUE(terrain->LoadHeightMap("Data\\HeightMap.raw", 257, 257));
@@ -250,7 +248,7 @@ TEST(Load, TheWorldsMapLoadsReleasesAndLoadsAgain) {
   EXPECT_TRUE(terrain->LoadHeightMap("Data\\HeightMap.raw", 257, 257));
 }
 
-TEST(MapSize, ScaleBlockCountAndWhereASampleStands) {
+TEST_F(Blocks, MapSizesGiveTheirScaleBlockCountAndWhereASampleStands) {
   // 512 / (size - 1) is cut to a whole number before it is scaled by 32;
   // blocks are (size - 1) / 36 per side, also cut.
   const struct {
@@ -261,8 +259,7 @@ TEST(MapSize, ScaleBlockCountAndWhereASampleStands) {
   for (const auto& map : sizes) {
     SCOPED_TRACE(map.size);
     const std::string path = WriteMap("karvo_size_" + std::to_string(map.size) + ".raw", map.size, map.size);
-    RecordingDevice device;
-    auto terrain = std::make_unique<CTerrain>();
+    terrain = std::make_unique<CTerrain>();  // the last one's resources go back to the device
     terrain->SetDevice(&device, true);
     ASSERT_TRUE(terrain->LoadHeightMap(path.c_str(), map.size, map.size));
     EXPECT_EQ(terrain->m_scale, D3DXVECTOR3(map.cell, 16.0f, map.cell));
