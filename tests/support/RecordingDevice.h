@@ -33,7 +33,6 @@ struct DeviceCall {
   std::string method;
   std::vector<double> args;
 
-  DeviceCall() = default;
   DeviceCall(std::string m, std::vector<double> a = {}) : method(std::move(m)), args(std::move(a)) {}
   bool operator==(const DeviceCall& o) const { return method == o.method && args == o.args; }
 };

@@ -150,8 +150,8 @@ std::uint8_t Sample(std::uint32_t col, std::uint32_t row) {
   return static_cast<std::uint8_t>(col * 3 + row * 5);
 }
 
-// The ground-following callbacks, with the scripted keyboard.
-class Ground : public ::testing::Test {
+// The ground-following callbacks on the 9 x 9 map, with the scripted keyboard.
+class Ground : public Blocks {
  protected:
   void SetUp() override {
     MakeMap(*terrain, 9, 9, Sample);
@@ -163,7 +163,6 @@ class Ground : public ::testing::Test {
   }
   void TearDown() override { win32::script::Disable(); }
   void Follow() { CTerrain::UpdatePlayer(terrain.get(), &player, 0.016f); }
-  std::unique_ptr<CTerrain> terrain = std::make_unique<CTerrain>();
   CPlayer player;
 };
 
