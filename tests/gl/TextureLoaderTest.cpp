@@ -1,6 +1,6 @@
 // The D3DX texture loaders on the real device: the exact-ARGB colour key,
 // power-of-two sizes and full mip chains, and a negative result (never a
-// crash) for missing, truncated and corrupt files. Test images are written
+// crash) for truncated and corrupt files. Test images are written
 // with stb_image_write into a fresh folder.
 #include <stb_image_write.h>
 #include <unistd.h>
@@ -156,19 +156,22 @@ TEST_F(TextureLoaderTest, SizesRoundUpToPowersOfTwoWithAFullMipChain) {
   texture->Release();
 }
 
+// Missing, empty, random and half files are the asset matrix's cases, on
+// every picture of the world; these are the damages it does not make. (The
+// terrain's load reads its pictures through backslash paths.)
 TEST_F(TextureLoaderTest, BadFilesGiveANegativeResultAndNoTexture) {
   const std::string png = Encode(false, 16, 16, 3, std::vector<std::uint8_t>(16 * 16 * 3, 200));
   // Noise keeps the scan data much longer than the headers before it.
   std::vector<std::uint8_t> noise(64 * 64 * 3);
   for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = std::uint8_t(i * 37 + i / 7);
   const std::string jpg = Encode(true, 64, 64, 3, noise);
+  // Whole, the noise loads: what fails below fails for its damage.
+  IDirect3DTexture9* whole = nullptr;
+  ASSERT_EQ(Load(File("whole.jpg", jpg), 0, &whole), D3D_OK);
+  whole->Release();
   std::string hugePng = png;  // IHDR width (bytes 16..19) claims 100000 pixels
   hugePng[17] = 0x01, hugePng[18] = char(0x86), hugePng[19] = char(0xA0);
   const std::string paths[] = {
-      (dir_ / "nothing-here.png").string(),
-      File("empty.png", ""),
-      File("text.png", "just some words, not pixels"),
-      File("half.png", png.substr(0, png.size() / 2)),
       File("cut.jpg", jpg.substr(0, jpg.size() * 3 / 4)),
       File("noend.jpg", jpg.substr(0, jpg.size() - 2)),
       File("huge.png", hugePng),
@@ -179,12 +182,6 @@ TEST_F(TextureLoaderTest, BadFilesGiveANegativeResultAndNoTexture) {
     EXPECT_TRUE(FAILED(Load(path, 0x00FFFFFF, &texture)));
     EXPECT_EQ(texture, nullptr);
   }
-  // The untouched file loads, also through a path with backslashes.
-  IDirect3DTexture9* texture = nullptr;
-  std::string back = File("good2.jpg", jpg);
-  back.replace(back.rfind('/'), 1, "\\");
-  ASSERT_EQ(Load(back, 0, &texture), D3D_OK);
-  texture->Release();
 }
 
 }  // namespace

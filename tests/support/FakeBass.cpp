@@ -1,6 +1,7 @@
 #include "support/FakeBass.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace fakebass {
 namespace {
@@ -10,15 +11,9 @@ constexpr DWORD kChannelBase = 0x2000;
 
 struct State {
   DWORD version = 0x02040000;
-  BOOL initResult = TRUE;
   bool started = false;
   std::vector<std::string> missing;
-  std::vector<std::string> noChannel;
-  int initCalls = 0;
   int getChannelCalls = 0;
-  int stopCalls = 0;
-  int sampleFreeCalls = 0;
-  int freeCalls = 0;
   std::vector<Load> loads;
   std::vector<std::string> samplePaths;  // index n - 1 for sample n
   std::vector<bool> channelGiven;
@@ -44,16 +39,10 @@ std::size_t Index(DWORD handle, DWORD base) {
 
 void Reset() { S() = State(); }
 void SetVersion(DWORD version) { S().version = version; }
-void SetInitResult(BOOL result) { S().initResult = result; }
 void SetMissing(const std::string& path) { S().missing.push_back(path); }
-void SetNoChannel(const std::string& path) { S().noChannel.push_back(path); }
-int InitCalls() { return S().initCalls; }
 int GetChannelCalls() { return S().getChannelCalls; }
 const std::vector<Load>& Loads() { return S().loads; }
 const std::vector<Play>& Plays() { return S().plays; }
-int StopCalls() { return S().stopCalls; }
-int SampleFreeCalls() { return S().sampleFreeCalls; }
-int FreeCalls() { return S().freeCalls; }
 void ClearPlays() { S().plays.clear(); }
 
 HCHANNEL ChannelOf(const std::string& path) {
@@ -74,21 +63,10 @@ using namespace fakebass;
 
 DWORD BASS_GetVersion() { return S().version; }
 
-BOOL BASS_Init(int, DWORD, DWORD, HWND, const void*) {
-  ++S().initCalls;
-  if (S().initResult && !S().started) {
-    S().started = true;
-    return TRUE;
-  }
-  return FALSE;
-}
+// A second start fails, as the library's does.
+BOOL BASS_Init(int, DWORD, DWORD, HWND, const void*) { return std::exchange(S().started, true) ? FALSE : TRUE; }
 
-BOOL BASS_Free() {
-  ++S().freeCalls;
-  bool was = S().started;
-  S().started = false;
-  return was ? TRUE : FALSE;
-}
+BOOL BASS_Free() { return std::exchange(S().started, false) ? TRUE : FALSE; }
 
 HSAMPLE BASS_SampleLoad(BOOL mem, const void* file, QWORD, DWORD, DWORD max, DWORD flags) {
   std::string path = (!mem && file) ? static_cast<const char*>(file) : "";
@@ -98,32 +76,26 @@ HSAMPLE BASS_SampleLoad(BOOL mem, const void* file, QWORD, DWORD, DWORD max, DWO
     S().channelGiven.push_back(false);
     sample = kSampleBase + DWORD(S().samplePaths.size());
   }
-  S().loads.push_back(Load{path, max, flags, sample});
+  S().loads.push_back(Load{path, max, flags});
   return sample;
 }
 
-BOOL BASS_SampleFree(HSAMPLE handle) {
-  ++S().sampleFreeCalls;
-  return Index(handle, kSampleBase) ? TRUE : FALSE;
-}
+BOOL BASS_SampleFree(HSAMPLE handle) { return Index(handle, kSampleBase) ? TRUE : FALSE; }
 
 HCHANNEL BASS_SampleGetChannel(HSAMPLE handle, BOOL) {
   ++S().getChannelCalls;
   std::size_t n = Index(handle, kSampleBase);
-  if (n == 0 || Contains(S().noChannel, S().samplePaths[n - 1])) return 0;
+  if (n == 0) return 0;
   S().channelGiven[n - 1] = true;
   return kChannelBase + DWORD(n);
 }
 
 BOOL BASS_ChannelPlay(DWORD handle, BOOL restart) {
   std::size_t n = Index(handle, kChannelBase);
-  S().plays.push_back(Play{handle, restart, n ? S().samplePaths[n - 1] : std::string()});
+  S().plays.push_back(Play{restart, n ? S().samplePaths[n - 1] : std::string()});
   return n ? TRUE : FALSE;
 }
 
-BOOL BASS_ChannelStop(DWORD handle) {
-  ++S().stopCalls;
-  return Index(handle, kChannelBase) ? TRUE : FALSE;
-}
+BOOL BASS_ChannelStop(DWORD handle) { return Index(handle, kChannelBase) ? TRUE : FALSE; }
 
 DWORD BASS_ChannelIsActive(DWORD) { return BASS_ACTIVE_STOPPED; }

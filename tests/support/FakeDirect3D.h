@@ -96,24 +96,14 @@ class FakeDirect3D final : public IDirect3D9 {
   // CreateDevice gives this device (AddRef'd) on success; the request lands here.
   IDirect3DDevice9* deviceToCreate = nullptr;
   struct CreateRequest {
-    UINT adapter = 0;
-    D3DDEVTYPE type{};
     HWND focusWindow = nullptr;
     DWORD flags = 0;
     D3DPRESENT_PARAMETERS params{};
   } lastCreate;
   // Adapters asked of GetAdapterDisplayMode, in order.
   std::vector<UINT> displayModeQueries;
-  // Every CheckDeviceFormat question, in order.
-  struct FormatQuery {
-    UINT adapter;
-    D3DDEVTYPE type;
-    D3DFORMAT adapterFormat;
-    DWORD usage;
-    D3DRESOURCETYPE resource;
-    D3DFORMAT format;
-  };
-  std::vector<FormatQuery> formatQueries;
+  // The adapter format and the format asked of every CheckDeviceFormat, in order.
+  std::vector<std::pair<D3DFORMAT, D3DFORMAT>> formatQueries;
 
   // ---- IDirect3D9 ----
   ULONG AddRef() override { return ++m_references; }
@@ -162,7 +152,7 @@ class FakeDirect3D final : public IDirect3D9 {
   }
   HRESULT CheckDeviceFormat(UINT ordinal, D3DDEVTYPE type, D3DFORMAT adapterFormat, DWORD usage,
                             D3DRESOURCETYPE resource, D3DFORMAT format) override {
-    formatQueries.push_back({ordinal, type, adapterFormat, usage, resource, format});
+    formatQueries.push_back({adapterFormat, format});
     const Adapter* adapter = nullptr;
     if (const HRESULT hr = Enter(CALL_CheckDeviceFormat, ordinal, adapter, &type); FAILED(hr)) return hr;
     const std::set<D3DFORMAT>* accepted = nullptr;
@@ -194,9 +184,9 @@ class FakeDirect3D final : public IDirect3D9 {
     *caps = found->second;
     return S_OK;
   }
-  HRESULT CreateDevice(UINT ordinal, D3DDEVTYPE type, HWND focusWindow, DWORD flags, D3DPRESENT_PARAMETERS* params,
+  HRESULT CreateDevice(UINT ordinal, D3DDEVTYPE, HWND focusWindow, DWORD flags, D3DPRESENT_PARAMETERS* params,
                        IDirect3DDevice9** device) override {
-    lastCreate = {ordinal, type, focusWindow, flags, params ? *params : lastCreate.params};
+    lastCreate = {focusWindow, flags, params ? *params : lastCreate.params};
     const Adapter* adapter = nullptr;
     if (const HRESULT hr = Enter(CALL_CreateDevice, ordinal, adapter); FAILED(hr)) return hr;
     if (!device || !params || !deviceToCreate) return D3DERR_INVALIDCALL;

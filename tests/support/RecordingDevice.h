@@ -2,8 +2,8 @@
 //
 // Every device call is appended to a log as a DeviceCall (method name plus its
 // arguments as numbers), so a test can compare what the code under test sent
-// with what it should have sent. The fake also keeps the current render,
-// sampler and stage states (with the platform's defaults), and makes buffers
+// with what it should have sent; locks of the resources it made are not. The fake also keeps the current render,
+// sampler and stage states as last set, and makes buffers
 // and textures with real memory, so Lock/LockRect work and the contents can
 // be read back.
 //
@@ -33,7 +33,6 @@ struct DeviceCall {
   std::string method;
   std::vector<double> args;
 
-  DeviceCall() = default;
   DeviceCall(std::string m, std::vector<double> a = {}) : method(std::move(m)), args(std::move(a)) {}
   bool operator==(const DeviceCall& o) const { return method == o.method && args == o.args; }
 };
@@ -99,10 +98,9 @@ class FakeResource : public Interface {
 template <class Interface>
 class FakeBuffer : public FakeResource<Interface> {
  public:
-  FakeBuffer(std::shared_ptr<SharedLog> log, const char* kind, UINT length, DWORD usage, D3DPOOL pool)
-      : FakeResource<Interface>(std::move(log)), kind_(kind), bytes_(length), usage_(usage), pool_(pool) {}
-  HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
-    this->log_->calls.push_back({kind_ + ".Lock", {double(offset), double(size), double(flags)}});
+  FakeBuffer(std::shared_ptr<SharedLog> log, UINT length, DWORD usage, D3DPOOL pool)
+      : FakeResource<Interface>(std::move(log)), bytes_(length), usage_(usage), pool_(pool) {}
+  HRESULT Lock(UINT offset, UINT size, void** data, DWORD) override {
     if (data == nullptr || offset > bytes_.size() || (size != 0 && offset + size > bytes_.size()))
       return D3DERR_INVALIDCALL;
     *data = bytes_.data() + offset;
@@ -110,7 +108,6 @@ class FakeBuffer : public FakeResource<Interface> {
     return D3D_OK;
   }
   HRESULT Unlock() override {
-    this->log_->calls.push_back({kind_ + ".Unlock"});
     if (!locked_) return D3DERR_INVALIDCALL;
     locked_ = false;
     return D3D_OK;
@@ -121,7 +118,6 @@ class FakeBuffer : public FakeResource<Interface> {
   D3DPOOL Pool() const { return pool_; }
 
  private:
-  std::string kind_;
   std::vector<std::uint8_t> bytes_;
   DWORD usage_;
   D3DPOOL pool_;
@@ -150,15 +146,13 @@ class FakeTexture : public FakeResource<IDirect3DTexture9> {
                             levels_[level].width, levels_[level].height};
     return D3D_OK;
   }
-  HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD flags) override {
-    log_->calls.push_back({"Texture.LockRect", {double(level), Ptr(area), double(flags)}});
+  HRESULT LockRect(UINT level, D3DLOCKED_RECT* rect, const RECT* area, DWORD) override {
     if (level >= levels_.size() || rect == nullptr || area != nullptr) return D3DERR_INVALIDCALL;
     rect->Pitch = INT(levels_[level].width * 4);
     rect->pBits = levels_[level].texels.data();
     return D3D_OK;
   }
   HRESULT UnlockRect(UINT level) override {
-    log_->calls.push_back({"Texture.UnlockRect", {double(level)}});
     return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
   }
 
@@ -223,24 +217,12 @@ class RecordingDevice : public IDirect3DDevice9 {
   // ---- current state ---------------------------------------------------------------
   ULONG RefCount() const { return refs_; }
   int LiveResources() const { return log_->liveResources; }
-  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), DWORD(0)); }
-  // Unset sampler states read WRAP, POINT, mip NONE and anisotropy 1.
-  DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const {
-    return Lookup(samplerStates_, {sampler, t}, t == D3DSAMP_MIPFILTER ? DWORD(D3DTEXF_NONE) : DWORD(1));
-  }
-  DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const {
-    DWORD fallback = 0;
-    switch (t) {
-      case D3DTSS_COLOROP: fallback = stage == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE; break;
-      case D3DTSS_ALPHAOP: fallback = stage == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE; break;
-      case D3DTSS_COLORARG1:
-      case D3DTSS_ALPHAARG1: fallback = D3DTA_TEXTURE; break;
-      case D3DTSS_COLORARG2:
-      case D3DTSS_ALPHAARG2: fallback = D3DTA_CURRENT; break;
-      case D3DTSS_TEXCOORDINDEX: fallback = stage; break;
-    }
-    return Lookup(stageStates_, {stage, t}, fallback);
-  }
+  // States as last set. One never set reads kUnset, not the platform's
+  // default, so that a forgotten call cannot pass for the value a test expects.
+  static constexpr DWORD kUnset = 0xFFFFFFFFu;
+  DWORD RenderState(D3DRENDERSTATETYPE s) const { return Lookup(renderStates_, DWORD(s), kUnset); }
+  DWORD SamplerState(DWORD sampler, D3DSAMPLERSTATETYPE t) const { return Lookup(samplerStates_, {sampler, t}, kUnset); }
+  DWORD StageState(DWORD stage, D3DTEXTURESTAGESTATETYPE t) const { return Lookup(stageStates_, {stage, t}, kUnset); }
   const D3DPRESENT_PARAMETERS& LastResetParameters() const { return lastReset_; }
 
   // ---- IDirect3DDevice9 ---------------------------------------------------------------
@@ -275,13 +257,13 @@ class RecordingDevice : public IDirect3DDevice9 {
                              HANDLE* shared) override {
     Log("CreateVertexBuffer", {double(length), double(usage), double(fvf), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeVertexBuffer(log_, "VertexBuffer", length, usage, pool); });
+                  [&] { return new FakeVertexBuffer(log_, length, usage, pool); });
   }
   HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
                             HANDLE* shared) override {
     Log("CreateIndexBuffer", {double(length), double(usage), double(format), double(pool)});
     return Create(out, shared, length,
-                  [&] { return new FakeIndexBuffer(log_, "IndexBuffer", length, usage, pool); });
+                  [&] { return new FakeIndexBuffer(log_, length, usage, pool); });
   }
 
   HRESULT BeginScene() override {
@@ -388,11 +370,7 @@ class RecordingDevice : public IDirect3DDevice9 {
   std::shared_ptr<detail::SharedLog> log_;
   ULONG refs_ = 1;
   bool inScene_ = false;
-  // The platform's defaults for the render states; unlisted ones start at 0.
-  std::map<DWORD, DWORD> renderStates_{
-      {D3DRS_ZENABLE, D3DZB_TRUE},     {D3DRS_FILLMODE, D3DFILL_SOLID},    {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
-      {D3DRS_ZWRITEENABLE, TRUE},      {D3DRS_SRCBLEND, D3DBLEND_ONE},     {D3DRS_DESTBLEND, D3DBLEND_ZERO},
-      {D3DRS_CULLMODE, D3DCULL_CCW},   {D3DRS_ZFUNC, D3DCMP_LESSEQUAL},    {D3DRS_LIGHTING, TRUE}};
+  std::map<DWORD, DWORD> renderStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> samplerStates_;
   std::map<std::pair<DWORD, DWORD>, DWORD> stageStates_;
   std::map<DWORD, IDirect3DBaseTexture9*> textures_;

@@ -1,8 +1,12 @@
-// Towers, plants, figures and the scene's order on a recording device: the
-// quads' corners as the player stands about a plant, the kinds' pictures, a
-// figure's wing corners, one sort pass a frame, and RenderScene's call
-// sequence on both sides of 855.0; the drops' states, the wing beat and the
-// flock's turns, the random one included.
+// The world on a recording device. Towers, plants, figures and the scene's
+// order: the quads' corners as the player stands about a plant, the kinds'
+// pictures, a figure's wing corners, one sort pass a frame, and RenderScene's
+// call sequence on both sides of 855.0; the drops' states, the wing beat and
+// the flock's turns, the random one included. The sea and the tint under it:
+// the clip of the sea quad at the near plane, the states it sets and puts
+// back, and the overlay's mapping to viewport pixels. The placing of trees
+// and flowers: the shared random sequence, the height and zone rules, and
+// what a rebuild keeps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,8 +18,9 @@
 
 #include "app/GameApp.h"
 #include "platform/crt/crt.h"
-#include "support/RecordingDevice.h"
 #include "terrain/Vertex.h"
+#include "unit/terrain/TerrainFixture.h"
+#include "view/Camera.h"
 
 using Calls = karvo_test::DeviceCalls;
 using karvo_test::RS, karvo_test::Tss;
@@ -39,10 +44,17 @@ class WorldDraw : public ::testing::Test {
     for (IDirect3DTexture9** m :
          {&t.m_baseTexture, &t.m_wallTexture, &t.m_wallTexture2, &t.m_treeTexture,
           &t.m_tree3Texture, &t.m_weed4Texture, &t.m_weed5Texture, &t.m_flower2Texture,
-          &t.m_wingLeftTexture, &t.m_wingRightTexture})
+          &t.m_wingLeftTexture, &t.m_wingRightTexture, &t.m_waterTexture})
       device.CreateTexture(4, 4, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, m, nullptr);
+    t.m_mapWidth = t.m_mapHeight = 257;  // the sea at 864 over the whole map
+    t.m_scale = D3DXVECTOR3(64, 16, 64);
     player.SetCameraMode(CAM_MODE_1ST_PERSON);
     camera = player.GetCamera();
+  }
+  // A flat map on the world's grid (64 units a cell, 16 a sample step), by
+  // default at 912, where trees grow.
+  void FlatMap(std::uint8_t sample = 57) {
+    karvo_test::MakeMap(t, 257, 257, [=](std::uint32_t, std::uint32_t) { return sample; });
   }
   // The corners' positions of a draw, one after another.
   void Near(std::size_t draw, const std::vector<float>& want) const {
@@ -161,8 +173,6 @@ TEST_F(WorldDraw, SceneGroupsChangePlacesAt855AndStage1IsOffOnlyAroundTheWater) 
   const Calls closing{RS(D3DRS_ZWRITEENABLE, 1), RS(D3DRS_ALPHABLENDENABLE, 0),
                       RS(D3DRS_CULLMODE, D3DCULL_CCW)};
   const Calls tree = Bind(t.m_treeTexture) + kBlend + kQuad, weed = Bind(t.m_weed4Texture) + kBlend + kQuad;
-  t.m_mapWidth = t.m_mapHeight = 257;  // the sea at 864 over the whole map
-  t.m_scale = D3DXVECTOR3(64, 16, 64);
   // The player's altitude and the third person camera's height (0: first person).
   const float views[][2] = {{854.99f, 0}, {855, 0}, {2000, 0}, {800, 874}, {800, 873.9f}};
   for (const auto& [altitude, cameraY] : views)
@@ -271,6 +281,170 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
   for (int i = 0; i < 3; ++i) t.m_figures[i].m_y = float(i + 1);
   t.SortFigures();
   EXPECT_TRUE(t.m_figures[0].m_y == 2 && t.m_figures[1].m_y == 3 && t.m_figures[2].m_y == 1);
+}
+
+// ---- the sea ----------------------------------------------------------------------
+
+constexpr float LEVEL = 864.0f, SIDE = 16448.0f;  // 257 samples of 64 units
+const D3DXVECTOR3 AHEAD(0.0f, 0.0f, 1.0f), UP(0.0f, 1.0f, 0.0f), DOWN(0.0f, -1.0f, 0.0f);
+
+// A camera placed and aimed directly.
+class AimedCamera : public CCamera {
+ public:
+  CCameraMode GetCameraMode() const override { return CAM_MODE_1ST_PERSON; }
+  void Aim(float x, float y, float z, const D3DXVECTOR3& look = AHEAD, const D3DXVECTOR3& up = UP) {
+    m_position = D3DXVECTOR3(x, y, z), m_look = look, m_up = up;
+    m_viewDirty = true;
+    GetViewMatrix(), GetProjMatrix();
+  }
+};
+
+// The sea and its tint, seen by a camera placed and aimed directly.
+class Water : public WorldDraw {
+ protected:
+  // The fan of the first UP draw, or nothing.
+  template <class V>
+  std::vector<V> Fan() {
+    return device.Count("DrawPrimitiveUP") ? device.UpVertices<V>(0) : std::vector<V>{};
+  }
+  AimedCamera eye;
+};
+
+TEST_F(Water, SeaIsCutAtTheNearPlane) {
+  // Corners 0 and 3 lie behind the eye: new points on x = 0 and x = 16448 at
+  // the near plane, alpha 0xBF even on the edge from the clearer corner 2.
+  eye.Aim(8000.0f, 900.0f, 8000.0f);
+  device.ClearLog();
+  t.DrawWater(&eye, LEVEL);
+  // Alpha from the colour words, blended, seen from below too, no depth written; then put back.
+  EXPECT_EQ(device.Calls(),
+            (karvo_test::DeviceCalls{
+                Tss(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE), Tss(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG1),
+                RS(D3DRS_SRCBLEND, D3DBLEND_SRCALPHA), RS(D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA),
+                RS(D3DRS_ALPHABLENDENABLE, TRUE), {"SetTexture", {0, karvo_test::Ptr(t.m_waterTexture)}},
+                {"SetFVF", {0x142}}, RS(D3DRS_CULLMODE, D3DCULL_NONE), RS(D3DRS_ZWRITEENABLE, FALSE),
+                {"DrawPrimitiveUP", {D3DPT_TRIANGLEFAN, 2, 24}}, RS(D3DRS_ZWRITEENABLE, TRUE),
+                RS(D3DRS_ALPHABLENDENABLE, FALSE), RS(D3DRS_CULLMODE, D3DCULL_CCW)}));
+  const auto fan = Fan<CVertex>();
+  ASSERT_EQ(fan.size(), 4u);
+  const float rows[4][5] = {
+      {0, 8001, 0xBF, 0, 8001 / SIDE}, {0, SIDE, 0xBF, 0, 1}, {SIDE, SIDE, 0xAF, 1, 1}, {SIDE, 8001, 0xBF, 1, 8001 / SIDE}};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_TRUE(fan[i].m_x == rows[i][0] && std::abs(fan[i].m_z - rows[i][1]) < 0.01f && fan[i].m_y == LEVEL &&
+                fan[i].m_diffuse >> 24 == rows[i][2] && fan[i].m_tu == rows[i][3])
+        << i;
+    EXPECT_NEAR(fan[i].m_tv, rows[i][4], 1e-5) << i;
+  }
+
+  // The near plane through corners 0 and 3: the quad as it is, no new point.
+  device.ClearLog();
+  eye.Aim(8000.0f, 900.0f, -1.0f);
+  t.DrawWater(&eye, LEVEL);
+  ASSERT_EQ(Fan<CVertex>().size(), 4u);
+  EXPECT_TRUE(Fan<CVertex>()[0].m_z == 0.0f && Fan<CVertex>()[3].m_z == 0.0f);
+
+  device.ClearLog();  // all behind: not a single call
+  eye.Aim(8000.0f, 900.0f, 20000.0f);
+  t.DrawWater(&eye, LEVEL);
+  EXPECT_TRUE(device.Calls().empty());
+}
+
+TEST_F(Water, OverlayMapsTheViewportWithWholeHalvesAndTintsAllOfADiverLookingDown) {
+  // Under the water the tint covers the viewport: the corner (-1, 1) lands on
+  // X - (Width >> 1) + Width / 2, half a pixel left of X for an odd width. Looking
+  // straight down it is one tint, 0xBF547686, once the near plane 1 below the eye is
+  // under the water: at 864.5 too, at 900 not; another kind draws nothing.
+  const struct {
+    int kind;
+    bool down;
+    float y, width, left, right;
+    std::uint32_t tint;
+  } cases[] = {{1, false, 800, 640, 100, 740, 0xBF547687}, {1, false, 800, 641, 99.5f, 740.5f, 0xBF547687},
+               {0, false, 800, 640, 0, 0, 0},              {1, true, 900, 640, 0, 0, 0},
+               {1, true, 800, 640, 100, 740, 0xBF547686},  {1, true, 864.5f, 640, 100, 740, 0xBF547686}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    device.ClearLog();
+    eye.SetViewport(100, 50, DWORD(c.width), 480, 1.0f, 100.0f, nullptr);
+    eye.Aim(8000.0f, c.y, 8000.0f, c.down ? DOWN : AHEAD, c.down ? AHEAD : UP);
+    eye.RenderWaterOverlay(&device, c.kind, LEVEL);
+    EXPECT_EQ(device.Calls().front().args, (std::vector<double>{D3DRS_ZWRITEENABLE, FALSE}));
+    EXPECT_EQ(device.Calls().back().args, (std::vector<double>{D3DRS_ZWRITEENABLE, TRUE}));
+    const auto fan = Fan<CScreenVertex>();
+    ASSERT_EQ(fan.size(), c.right ? 4u : 0u);
+    if (fan.empty()) continue;
+    EXPECT_TRUE(fan[0].m_x == c.left && fan[0].m_y == 50.0f && fan[2].m_x == c.right && fan[2].m_y == 530.0f);
+    EXPECT_EQ(fan[0].m_diffuse, c.tint);
+  }
+}
+
+// ---- placing ----------------------------------------------------------------------
+
+using Placement = WorldDraw;
+
+// A seed whose first two draws put the first tree candidate at (x, z).
+unsigned SeedFor(int x, int z) {
+  for (unsigned seed = 0;; ++seed) {
+    crt::srand(seed);
+    if (crt::rand() % 1644 * 10 == x && crt::rand() % 1644 * 10 == z) return seed;
+  }
+}
+
+TEST_F(Placement, FirstTreeComesFromTheFirstDrawsOfTheSequence) {
+  FlatMap();
+  crt::srand(1);  // draws 41, 18467, 6334, 26500, ...
+  t.PlaceTrees();
+  const CPlantRecord& first = t.m_trees[0];
+  // 41 % 1644 * 10, 18467 % 1644 * 10, 6334 % 300 + 400; 26500 is even.
+  EXPECT_TRUE(first.m_x == 410 && first.m_z == 3830 && first.m_size == 434 && first.m_kind == 1);
+  EXPECT_EQ(first.m_y, 912.0f - 50.0f);
+}
+
+TEST_F(Placement, WeedsRefuseGroundOfExactly770AndDrawAgain) {
+  // The first candidate, (410, 3830), on ground of 770; all else at 560.
+  karvo_test::MakeMap(t, 257, 257, [](std::uint32_t c, std::uint32_t r) { return std::uint8_t(c - 5 < 4 && r - 58 < 4 ? 55 : 40); });
+  t.m_scale.y = 14.0f;
+  crt::srand(1);  // 41, 18467, 6334 refused; then x from 26500, z from 19169
+  t.PlaceWeeds();
+  EXPECT_TRUE(t.m_weeds[0].m_x == 1960 && t.m_weeds[0].m_z == 10850);
+}
+
+TEST_F(Placement, TowerZonesAreOpenOnEverySide) {
+  FlatMap();
+  // The first candidate on both sides of each edge: z 2800 to 5200, x 1800 to 4200 and
+  // 5800 to 8200, and the gap between the two zones.
+  const struct { int x, z; bool placed; } rows[] = {
+      {3000, 2800, true}, {3000, 2810, false}, {3000, 5190, false}, {3000, 5200, true},
+      {1800, 4000, true}, {1810, 4000, false}, {4190, 4000, false}, {4200, 4000, true},
+      {5800, 4000, true}, {5810, 4000, false}, {8190, 4000, false}, {8200, 4000, true},
+      {5000, 4000, true}};
+  for (const auto& r : rows) {
+    crt::srand(SeedFor(r.x, r.z));
+    t.m_trees[0] = {};
+    t.PlaceTrees();
+    EXPECT_EQ(t.m_trees[0].m_kind != 0, r.placed) << r.x << " " << r.z;
+  }
+}
+
+// Every sample at 900.0 exactly: no tree nor flower may stand there.
+TEST_F(Placement, GroundOfExactly900LeavesTreeAndFlowerSlotsAsTheyWereAfterThreeDraws) {
+  FlatMap(56);
+  t.m_scale.y = 900.0f / 56;
+  ASSERT_EQ(t.GetHeight(640.0f, 640.0f, false), 900.0f);
+  crt::srand(7);
+  for (int i = 0; i < 999 * 3 + 1; ++i) crt::rand();
+  const std::uint32_t expected = crt::randState();
+  crt::srand(7);
+  t.m_trees[5] = {1, 2, 3, 3, 450};  // left by an earlier build
+  t.PlaceTrees();
+  EXPECT_EQ(crt::randState(), expected);
+  for (int i = 0; i < 999; ++i) ASSERT_EQ(t.m_trees[i].m_kind, i == 5 ? 3 : 0) << i;
+  // The big tree takes no test.
+  const CPlantRecord& big = t.m_trees[999];
+  EXPECT_TRUE(big.m_kind == 2 && big.m_x == 1500.0f && big.m_z == 7000.0f && big.m_y == 850.0f);
+  t.PlaceFlowers();
+  EXPECT_TRUE(t.m_treeCount == 1000 && t.m_flowerCount == 300);
+  for (const CPlantRecord& flower : t.m_flowers) ASSERT_EQ(flower.m_kind, 0);
 }
 
 }  // namespace
