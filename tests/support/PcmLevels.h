@@ -26,21 +26,10 @@ struct PcmTrack {
     return std::sqrt(sum / double((last - first) * 2));
   }
 
-  // Sign changes of the left channel per second over [from, to): twice the
-  // frequency of a pure tone.
-  double CrossingsPerSecond(double from, double to) const {
-    std::size_t first = FrameAt(from), last = FrameAt(to);
-    if (last <= first + 1) return 0.0;
-    int crossings = 0;
-    for (std::size_t f = first + 1; f < last; ++f)
-      if ((samples[2 * f] >= 0) != (samples[2 * (f - 1)] >= 0)) ++crossings;
-    return crossings * double(rate) / double(last - first);
-  }
-
-  // Seconds of output whose 50 ms windows are louder than `threshold`.
-  double LoudSeconds(double threshold) const {
+  // Seconds of output in [from, to) whose 50 ms windows are louder than `threshold`.
+  double LoudSeconds(double threshold, double from, double to) const {
     double loud = 0.0;
-    for (double t = 0.0; t + 0.05 <= Seconds(); t += 0.05)
+    for (double t = from; t + 0.05 <= to; t += 0.05)
       if (Rms(t, t + 0.05) > threshold) loud += 0.05;
     return loud;
   }
