@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the shell tests that stop a running program. The program starts
 # its music with its first frame, so the first sound in the file of SDL's disk
 # driver (SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=FILE) shows that the world is
