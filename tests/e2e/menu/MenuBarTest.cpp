@@ -22,7 +22,7 @@ namespace {
 constexpr int kSettle = 4;  // frames between two steps: popups open a frame late
 // Guards a hang only: the run takes about a minute on a busy machine. A count
 // of frames would not do, as quick frames make the trailing camera take many.
-constexpr Uint64 kHangTicks = 4 * 60 * 1000;
+constexpr Uint64 kHangTicks = 10 * 60 * 1000;
 constexpr std::uint32_t kClear = 0x79D3FF;
 constexpr int kShotWidth = 720, kShotHeight = 260;
 
