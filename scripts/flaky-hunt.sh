@@ -22,7 +22,8 @@ if [ -e "$build" ]; then
 fi
 
 # Configured and built as ./test.sh does it; -N only lists the tests.
-BUILD_DIR="$build" ./test.sh -N > /dev/null
+echo "building the suite into $build"
+BUILD_DIR="$build" ./test.sh -N
 mkdir -p "$build/hunt"
 
 loaders=()
