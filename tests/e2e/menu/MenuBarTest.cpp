@@ -144,14 +144,11 @@ void Await(std::function<bool()> ready) {
   });
 }
 
-// The X server has resized the window, and the program has been told.
+// The X server has given the window its new size.
 bool WindowIs(int width, int height) {
   int w = 0, h = 0;
   SDL_GL_GetDrawableSize(Sdl(), &w, &h);
-  RECT client{};
-  GetClientRect(App().m_hWnd, &client);
-  return w == width && h == height && client.right == width &&
-         client.bottom == height - win32::MenuBarHeight(App().m_hWnd);
+  return w == width && h == height;
 }
 
 // The trailing camera has closed in on its place behind the body, at a pace
