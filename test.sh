@@ -23,8 +23,4 @@ cmake_args+=(${CMAKE_ARGS:-})
 karvo_install_packages
 cmake -S . -B "$BUILD_DIR" "${cmake_args[@]}"
 cmake --build "$BUILD_DIR" -j "$(karvo_jobs)"
-
-export SDL_AUDIODRIVER="${SDL_AUDIODRIVER:-dummy}"
-export LIBGL_ALWAYS_SOFTWARE=1
-# One X server for the whole suite; tests that open windows share it.
-karvo_xvfb ctest --test-dir "$BUILD_DIR" --output-on-failure "$@"
+karvo_ctest "$BUILD_DIR" "$@"

@@ -45,3 +45,13 @@ karvo_jobs() {
 karvo_xvfb() {
   xvfb-run -a -s "-screen 0 1600x1000x24" "$@"
 }
+
+# Runs ctest over a build folder as the suite runs: one X server for all
+# tests that open windows, Mesa's software GL, SDL's dummy audio driver unless
+# another is chosen. Further arguments go to ctest.
+karvo_ctest() {
+  local build=$1
+  shift
+  karvo_xvfb env SDL_AUDIODRIVER="${SDL_AUDIODRIVER:-dummy}" LIBGL_ALWAYS_SOFTWARE=1 \
+    ctest --test-dir "$build" --output-on-failure "$@"
+}

@@ -10,15 +10,27 @@ trap 'rm -rf "$work"' EXIT
 fail=0
 problem() { echo "FAIL: $*"; fail=1; }
 
-# Runs a launcher for a few seconds from an empty folder: it must still be
-# running then (a missing asset ends the start at once) and print nothing
-# about the assets.
+source "$(dirname "$0")/../support/AwaitMusic.sh"
+
+# Runs a launcher from an empty folder until its first frame (a missing asset
+# ends the start before it), then ends it as the desktop does: it must print
+# nothing about the assets and end with code 0.
 starts() {
-  local launcher=$1 log="$work/run.log"
-  mkdir -p "$work/elsewhere"
-  (cd "$work/elsewhere" && SDL_AUDIODRIVER=dummy timeout -s INT 6 "$launcher" > "$log" 2>&1)
-  local code=$?
-  [ "$code" -eq 124 ] || { cat "$log"; problem "$launcher ended by itself with code $code"; }
+  local launcher=$1 log="$work/run.log" audio="$work/run.raw" pid heard code
+  mkdir -p "$work/elsewhere" && rm -f "$audio"
+  (cd "$work/elsewhere" && exec env SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE="$audio" "$launcher" > "$log" 2>&1) &
+  pid=$!
+  await_music "$audio" "$pid"
+  heard=$?
+  kill -TERM "$pid" 2> /dev/null
+  wait "$pid"
+  code=$?
+  case "$heard,$code" in
+    0,0) ;;
+    1,*) cat "$log"; problem "$launcher ended by itself with code $code" ;;
+    2,*) problem "$launcher drew no frame in two minutes: the start hung" ;;
+    *) cat "$log"; problem "$launcher ended with code $code when asked to" ;;
+  esac
   if grep -qiE "cannot|missing|not found|failed" "$log"; then cat "$log"; problem "$launcher complained"; fi
 }
 

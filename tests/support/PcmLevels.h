@@ -26,6 +26,14 @@ struct PcmTrack {
     return std::sqrt(sum / double((last - first) * 2));
   }
 
+  // Seconds of output in [from, to) whose 50 ms windows are louder than `threshold`.
+  double LoudSeconds(double threshold, double from, double to) const {
+    double loud = 0.0;
+    for (double t = from; t + 0.05 <= to; t += 0.05)
+      if (Rms(t, t + 0.05) > threshold) loud += 0.05;
+    return loud;
+  }
+
   std::size_t FrameAt(double seconds) const {
     if (seconds <= 0.0) return 0;
     std::size_t frame = static_cast<std::size_t>(seconds * rate);

@@ -4,25 +4,30 @@
 //
 //   karvo-audio-run IDLE WALK
 //
-// The program stands still for IDLE seconds after its first frame, then
-// walks forward (Up held) for WALK seconds, then Escape ends it. Unlike
-// karvo-capture, which runs frames as fast as it can, this tool ties the
-// script to the wall clock: the disk driver writes at the pace of real time,
-// so a fast machine would otherwise end before the sounds were heard, and a
-// slow one would hear them long after the frames that started them.
+// The program stands still for IDLE seconds of output after its first frame,
+// then walks forward (Up held) for WALK seconds of output, then Escape ends
+// it. Unlike karvo-capture, which runs frames as fast as it can, this tool
+// ties the script to the output itself: frame N runs once the file holds N
+// steps of sound past the first frame. The disk driver writes at the pace of
+// real time at best, and a busy machine lets it fall behind; paced by the
+// file, a sound started by a frame is heard where that frame stands in the
+// output, however fast the machine or its audio thread is.
 //
-// On standard output it writes three marks, each with the size in bytes of
+// On standard output it writes four marks, each with the size in bytes of
 // the audio file at that moment and the seconds on the clock since the first
 // frame:
-//   start N 0  the first frame is about to run (the music was just started)
-//   walk N S   the first frame with Up held is about to run
-//   end N S    the walk is over; Escape goes down before the next frame
+//   start N 0   the first frame is about to run (the music was just started)
+//   walk N S    the first frame with Up held is about to run
+//   walked N S  that frame has run
+//   end N S     the walk is over; Escape goes down before the next frame
 // A program that ends before its first frame writes no mark; the exit code
-// is the program's own.
+// is the program's own. A frame that waits a minute for its sound ends the
+// run with code 3.
 //
 // The sounds load while g_App is constructed, before main: the working
 // directory and SDL_AUDIODRIVER / SDL_DISKAUDIOFILE must be set by the caller.
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -37,49 +42,69 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr double kStep = 1.0 / 60.0;  // game seconds per frame, and the fastest pace
+constexpr double kStep = 1.0 / 60.0;           // game seconds per frame, and output seconds too
+constexpr double kBytesPerSecond = 22050 * 4;  // 16-bit stereo at the rate BASS_Init asks for
 
 struct Pacing {
   double idle = 0.0, walk = 0.0;
   std::string audioFile;
-  Clock::time_point firstFrame, walkStart;
-  std::uint32_t walkFrame = 0;  // the first frame with Up held; 0 until scheduled
+  Clock::time_point firstFrame;
+  double start = 0.0, walkStart = 0.0;  // output seconds at the first frame and the first step
+  std::uint32_t walkFrame = 0;          // the first frame with Up held; 0 until scheduled
   bool ending = false;
 } s_pacing;
 
-double SecondsSince(Clock::time_point t) {
-  return std::chrono::duration<double>(Clock::now() - t).count();
-}
-
-void Mark(const char* name) {
+std::uintmax_t Bytes() {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(s_pacing.audioFile, error);
-  std::printf("%s %ju %.3f\n", name, error ? std::uintmax_t{0} : size,
-              SecondsSince(s_pacing.firstFrame));
-  std::fflush(stdout);
+  return error ? 0 : size;
 }
 
-// At each frame boundary: hold the pace of the clock, then move the script on
-// by elapsed time rather than by frame count.
+// Seconds of sound in the file so far.
+double Output() { return double(Bytes()) / kBytesPerSecond; }
+
+// Writes the mark and gives the output seconds it holds.
+double Mark(const char* name) {
+  const std::uintmax_t bytes = Bytes();
+  std::printf("%s %ju %.3f\n", name, bytes,
+              std::chrono::duration<double>(Clock::now() - s_pacing.firstFrame).count());
+  std::fflush(stdout);
+  return double(bytes) / kBytesPerSecond;
+}
+
+// Waits until the file holds `seconds` of sound; a frame's sixtieth of a
+// second that takes a minute is a hang.
+void AwaitOutput(double seconds) {
+  for (const auto limit = Clock::now() + std::chrono::minutes(1); Output() < seconds;) {
+    if (Clock::now() > limit) {
+      std::fprintf(stderr, "karvo-audio-run: the audio file stopped growing\n");
+      std::_Exit(3);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+}
+
+// At each frame boundary: wait for the output to reach the frame, then move
+// the script on by output seconds rather than by frame count.
 void OnFrame(std::uint32_t frame) {
   if (frame == 0) {
     s_pacing.firstFrame = Clock::now();
-    Mark("start");
+    s_pacing.start = Mark("start");
     return;
   }
-  const double due = frame * kStep - SecondsSince(s_pacing.firstFrame);
-  if (due > 0.0) std::this_thread::sleep_for(std::chrono::duration<double>(due));
+  AwaitOutput(s_pacing.start + frame * kStep);
 
   if (s_pacing.ending) return;
   if (s_pacing.walkFrame == 0) {
-    if (SecondsSince(s_pacing.firstFrame) >= s_pacing.idle) {
+    if (Output() - s_pacing.start >= s_pacing.idle) {
       s_pacing.walkFrame = frame + 1;
       win32::script::KeyDown(frame + 1, VK_UP);
     }
   } else if (frame == s_pacing.walkFrame) {
-    s_pacing.walkStart = Clock::now();
-    Mark("walk");
-  } else if (frame > s_pacing.walkFrame && SecondsSince(s_pacing.walkStart) >= s_pacing.walk) {
+    s_pacing.walkStart = Mark("walk");
+  } else if (frame == s_pacing.walkFrame + 1) {
+    Mark("walked");
+  } else if (Output() - s_pacing.walkStart >= s_pacing.walk) {
     Mark("end");
     win32::script::KeyDown(frame + 1, VK_ESCAPE);
     s_pacing.ending = true;
@@ -102,7 +127,7 @@ int main(int argc, char** argv) {
   win32::script::Options script;
   script.fixedStep = kStep;
   script.realWindows = true;
-  // A safety net only: Escape ends the run long before this.
+  // Guards a hang only: Escape ends the run long before this.
   script.maxFrames = static_cast<std::uint32_t>((s_pacing.idle + s_pacing.walk + 60.0) / kStep);
   win32::script::Enable(script);
   win32::script::SetFrameCallback(OnFrame);

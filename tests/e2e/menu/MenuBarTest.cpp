@@ -103,7 +103,9 @@ TEST(MenuBar, UsedByMouseInTheRealProgram) {
     Mouse(SDL_MOUSEBUTTONUP, 600, 400);
     SDL_SetWindowSize(Sdl(), 640, 480);  // as a drag of the border does
   });
+  Await([] { return WindowIs(640, 480); });
   Then([] { ExpectPictureFollowsTheWindow(640, 480), SDL_SetWindowSize(Sdl(), 1200, 700); });
+  Await([] { return WindowIs(1200, 700); });
   Then([] { ExpectPictureFollowsTheWindow(1200, 700); });
   ClickThrough({0, 2});  // File, Exit
   RunPlan();

@@ -45,6 +45,15 @@ std::size_t ChangedBelow(const Picture& before, const Picture& after);
 // Then adds a step to the plan; RunPlan starts the program and plays the plan, one
 // step every few frames, and checks that the program ended after the last.
 void Then(std::function<void()> step);
+// A step that holds the plan until `ready`, asked again every few frames: for
+// what the X server or the game clock brings, which no count of frames promises.
+void Await(std::function<bool()> ready);
 void RunPlan();
+
+// The X server has given the window this drawable size.
+bool WindowIs(int width, int height);
+// The trailing camera has closed in on its place behind the body, at a pace
+// of game time.
+bool CameraBehindTheBody();
 
 }  // namespace sdl_plan

@@ -73,6 +73,9 @@ Outcome RunCase(const fs::path& assets, const Case& c, unsigned seed) {
   const int status = std::system(command.c_str());
   std::ifstream in(log);
   outcome.output.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  // The limit guards a hang only: a case takes seconds even on a busy machine.
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 124)
+    outcome.output += "\nthe run hung: stopped after two minutes\n";
   outcome.drew = fs::exists(folder.Root() / "shots" / "frame_0002.png");
   // The tool reports the program's own code when frames are missing.
   const std::string said = "program exit code ";

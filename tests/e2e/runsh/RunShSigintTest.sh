@@ -22,13 +22,13 @@ printf '#!/bin/sh\nexit 0\n' > "$work/bin/cmake" && chmod +x "$work/bin/cmake"
 set -m
 # The suite's own BUILD_DIR and CMAKE_ARGS (CI's sanitizer stage sets them)
 # would send run.sh to another build folder than the one laid out above.
-env -u DISPLAY -u WAYLAND_DISPLAY -u BUILD_DIR -u CMAKE_ARGS PATH="$work/bin:$PATH" SDL_AUDIODRIVER=dummy bash "$work/run.sh" > "$work/log" 2>&1 &
+env -u DISPLAY -u WAYLAND_DISPLAY -u BUILD_DIR -u CMAKE_ARGS PATH="$work/bin:$PATH" SDL_AUDIODRIVER=disk \
+  SDL_DISKAUDIOFILE="$work/audio.raw" bash "$work/run.sh" > "$work/log" 2>&1 &
 group=$!
-for _ in $(seq 600); do
-  pgrep -g "$group" -x karvo-terrain > /dev/null && break
-  sleep 0.1
-done
-sleep 8  # the world is built and frames run
+# Ctrl+C once the world is built and frames run.
+source "$source_dir/tests/support/AwaitMusic.sh"
+await_music "$work/audio.raw" "$group"
+heard=$?
 server="$(pgrep -P "$group" -x Xvfb)"
 kill -INT -- "-$group"
 wait "$group"
@@ -36,6 +36,8 @@ code=$?
 cat "$work/log"
 
 fail=0
+[ "$heard" -ne 1 ] || { echo "FAIL: run.sh ended before the first frame"; fail=1; }
+[ "$heard" -ne 2 ] || { echo "FAIL: no frame ran in two minutes: the start hung"; fail=1; }
 [ "$code" -eq 0 ] || { echo "FAIL: exit code $code"; fail=1; }
 if grep -qi "X connection\|X Error\|XIO\|broken" "$work/log"; then echo "FAIL: an X error was printed"; fail=1; fi
 [ -n "$server" ] || { echo "FAIL: run.sh started no X server of its own"; fail=1; }
