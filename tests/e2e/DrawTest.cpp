@@ -6,7 +6,7 @@
 // red and its detail image flat mid-grey (which both colour operations of the
 // default passes turn into "no change"), and the six sky images are one flat
 // dark blue. A pixel's colour then tells what it shows: ground, sky, the
-// clear colour (a gap), or something else (the body box).
+// clear colour (a gap), or something else.
 #include <gtest/gtest.h>
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
@@ -16,9 +16,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/AssetFolder.h"
 
 namespace fs = std::filesystem;
 
@@ -115,41 +118,33 @@ void WriteFlat(const fs::path& path, Rgb c, int alpha = -1) {
       << path;
 }
 
-// How the world's objects look in a copy of the assets: as generated; or the
-// towers and flower heads flat colours with the plants as generated, or
-// invisible, or only the broadleaf picture (which the big tree shows) flat.
-enum class Objects { Real, RealPlants, Marked, BigTree };
+// How the world's objects look in a copy of the assets: the towers and
+// flower heads flat colours, with the plants as generated, or invisible, or
+// only the broadleaf picture (which the big tree shows) flat.
+enum class Objects { RealPlants, Marked, BigTree };
 
-// A copy of the generated assets made of links, with some images replaced.
-fs::path AssetVariant(const std::string& name, bool markGroundAndSky,
-                      Objects objects = Objects::Real) {
-  const fs::path source = fs::current_path();  // the test runs in the assets folder
-  const fs::path target = WorkDir() / name;
-  if (fs::exists(target)) return target;
-  fs::create_directories(target / "Data");
-  for (const char* folder : {"music", "speech"})
-    if (fs::exists(source / folder)) fs::create_directory_symlink(source / folder, target / folder);
-  for (const auto& entry : fs::directory_iterator(source / "Data"))
-    fs::create_symlink(entry.path(), target / "Data" / entry.path().filename());
-  const fs::path data = target / "Data";
+// A copy of the generated assets made of links, made once a name: the ground,
+// its detail and the sky flat, the objects as `objects` says.
+fs::path AssetVariant(const std::string& name, Objects objects) {
+  static std::map<std::string, std::unique_ptr<test_support::AssetFolder>> made;
+  std::unique_ptr<test_support::AssetFolder>& folder = made[name];
+  if (folder) return folder->Root();
+  folder = std::make_unique<test_support::AssetFolder>(fs::current_path());  // the test runs in the assets folder
+  const fs::path data = folder->Root() / "Data";
   WriteFlat(data / "Detail_Texture.jpg", {128, 128, 128});
-  if (markGroundAndSky) {
-    WriteFlat(data / "Base_Texture_BigPoint.jpg", {255, 0, 0});
-    for (const char* face : {"Front", "Back", "Left", "Right", "Top", "Bottom"})
-      WriteFlat(data / (std::string("SkyBox_") + face + ".jpg"), kSky);
-  }
-  if (objects != Objects::Real) {
-    WriteFlat(data / "skyscraperwall.jpg", {0, 255, 0});
-    WriteFlat(data / "skyscraperwall2.jpg", {255, 255, 0});
-    for (const std::string plant : {"tree.png", "tree3.png", "weads4.png", "weads5.png"})
-      if (objects != Objects::RealPlants)
-        WriteFlat(data / plant, kBigTree, objects == Objects::BigTree && plant == "tree.png" ? 255 : 0);
-    for (const char* flower : {"flower1.png", "flower2.png", "flower3.png"}) WriteFlat(data / flower, kFlower, 255);
-  }
-  return target;
+  WriteFlat(data / "Base_Texture_BigPoint.jpg", {255, 0, 0});
+  for (const char* face : {"Front", "Back", "Left", "Right", "Top", "Bottom"})
+    WriteFlat(data / (std::string("SkyBox_") + face + ".jpg"), kSky);
+  WriteFlat(data / "skyscraperwall.jpg", {0, 255, 0});
+  WriteFlat(data / "skyscraperwall2.jpg", {255, 255, 0});
+  for (const std::string plant : {"tree.png", "tree3.png", "weads4.png", "weads5.png"})
+    if (objects != Objects::RealPlants)
+      WriteFlat(data / plant, kBigTree, objects == Objects::BigTree && plant == "tree.png" ? 255 : 0);
+  for (const char* flower : {"flower1.png", "flower2.png", "flower3.png"}) WriteFlat(data / flower, kFlower, 255);
+  return folder->Root();
 }
 
-fs::path MarkedAssets() { return AssetVariant("marked", true, Objects::Marked); }
+fs::path MarkedAssets() { return AssetVariant("marked", Objects::Marked); }
 
 // Runs the capture tool in assets with the arguments and reads back frame;
 // a name asked for again gives the frame already taken.
@@ -175,7 +170,7 @@ Image Capture(const fs::path& assets, const std::string& name, const std::string
   return taken[name] = image;
 }
 
-// The frames and asset copies go at the end, unless KARVO_KEEP_FRAMES is set
+// The frames go at the end, unless KARVO_KEEP_FRAMES is set
 // (to look at them after a failure).
 class DrawWorkDirCleanup : public ::testing::Environment {
  public:
@@ -213,44 +208,6 @@ TEST(Draw, StartViewShowsSkyAboveAndGroundBelowWithNoGaps) {
   EXPECT_GT(MeanDifference(real, image, 0.75, 1.0), 10.0);
 }
 
-TEST(Draw, WireframeShowsLines) {
-  const Image image = Capture(MarkedAssets(), "wire", "--wireframe", 1);
-  ASSERT_GT(image.width, 0);
-  // Between the lines the clear colour shows, in the sky as on the ground.
-  // Near the eye a cell spans much of the screen, so the lines crowd in the
-  // distance: the ground's share is counted over the whole frame.
-  EXPECT_GT(Share(image, Kind::Clear, 0.0, 0.1), 0.5);
-  EXPECT_GT(Share(image, Kind::Clear, 0.75, 1.0), 0.9);
-  const double ground = Share(image, Kind::Ground);
-  EXPECT_GT(ground, 0.02);
-  EXPECT_LT(ground, 0.5);
-}
-
-TEST(Draw, SingleAndMultiPassBothDrawTheDetail) {
-  // With a flat mid-grey detail both passes leave the base image as it is.
-  const Image singleFlat = Capture(AssetVariant("flat-detail", false), "single-flat", "", 1);
-  const Image multiFlat = Capture(AssetVariant("flat-detail", false), "multi-flat", "--multipass", 1);
-  EXPECT_LT(MeanDifference(singleFlat, multiFlat, 0.6, 1.0), 3.0);
-
-  // The real detail changes the ground in both modes.
-  const Image single = Capture(fs::current_path(), "real", "", 1);
-  const Image multi = Capture(fs::current_path(), "multi", "--multipass", 1);
-  EXPECT_GT(MeanDifference(single, singleFlat, 0.6, 1.0), 4.0);
-  EXPECT_GT(MeanDifference(multi, multiFlat, 0.6, 1.0), 4.0);
-}
-
-TEST(Draw, ThirdPersonShowsTheColouredBodyBox) {
-  // The camera trails the body: give it time to settle behind it.
-  const Image third = Capture(MarkedAssets(), "third", "--camera third", 60);
-  ASSERT_GT(third.width, 0);
-  // Neither ground nor sky nor gap: the box's corner colours, in the middle.
-  EXPECT_GT(Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7), 0.01);
-  EXPECT_EQ(Share(third, Kind::Clear), 0.0);
-
-  const Image first = Capture(MarkedAssets(), "start", "", 1);
-  EXPECT_LT(Share(first, Kind::Other, 0.3, 1.0, 0.3, 0.7), Share(third, Kind::Other, 0.3, 1.0, 0.3, 0.7) / 4);
-}
-
 TEST(Draw, LookingUpShowsNoGroundButTheFlock) {
   // Q pitches up half a degree a frame, to the limit of 89 degrees; the rain
   // is off, so that no streak is taken for a bird.
@@ -265,7 +222,7 @@ TEST(Draw, LookingUpShowsNoGroundButTheFlock) {
 TEST(Draw, TreesShowNoKeyColourAndTheBigTreeStopsTheWalker) {
   // The high ground's trees fill the top of the start view; where their
   // pictures are keyed out, not one white texel may show.
-  const Image trees = Capture(AssetVariant("trees", true, Objects::RealPlants), "trees", "", 1);
+  const Image trees = Capture(AssetVariant("trees", Objects::RealPlants), "trees", "", 1);
   EXPECT_GT(Share(trees, Kind::Other, 0.0, 0.25), 0.08);
   long white = 0;
   for (int y = 0; y < trees.height / 2; ++y)
@@ -277,7 +234,7 @@ TEST(Draw, TreesShowNoKeyColourAndTheBigTreeStopsTheWalker) {
   // later it still stands before the eye, half the width of the view.
   const std::string walk = "--step 0.5 --hold left:1-90 --hold up:91-260";
   const Image big =
-      Capture(AssetVariant("big-tree", true, Objects::BigTree), "big-tree", walk, 260);
+      Capture(AssetVariant("big-tree", Objects::BigTree), "big-tree", walk, 260);
   EXPECT_GT(Share(big, Kind::BigTree, 0.0, 0.07, 0.35, 0.95), 0.9);
 }
 

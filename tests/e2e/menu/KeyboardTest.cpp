@@ -1,14 +1,16 @@
 // The real program worked with the keyboard alone, every key a quick tap
 // whose press and release are pushed within one frame, as automation and
 // remote desktops send them: Camera > Third Person and Fill Mode > Wireframe
-// by arrows, the settings dialog cancelled and then accepted, and the run
-// ended by Escapes, one a level.
+// by arrows, the settings dialog cancelled and then accepted (a new device,
+// the world built again on it, the game state kept), and the run ended by
+// Escapes, one a level.
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 #include "e2e/menu/SdlPlan.h"
 #include "platform/win32/Win32Dialogs.h"
+#include "terrain/Vertex.h"
 
 namespace {
 
@@ -22,6 +24,17 @@ struct DialogShot {
   std::vector<std::uint8_t> rgba;
   int width = 0, height = 0;
 } s_dialog;
+
+// The corner colours of the body box, drawn anew for each device.
+std::vector<D3DCOLOR> BodyColours() {
+  std::vector<D3DCOLOR> colours;
+  void* data = nullptr;
+  IDirect3DVertexBuffer9* buffer = App().m_bodyMesh.m_vertexBuffer;
+  if (!buffer || FAILED(buffer->Lock(0, 0, &data, D3DLOCK_READONLY))) return colours;
+  for (int i = 0; i < 8; ++i) colours.push_back(static_cast<const CVertex*>(data)[i].m_diffuse);
+  buffer->Unlock();
+  return colours;
+}
 
 // A dialog takes one turn for each event and a few to draw: far fewer than this.
 constexpr std::uint32_t kTurnLimit = 1000;
@@ -42,6 +55,8 @@ TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
   Picture before;
   CD3DSettings settings{};
   IDirect3DDevice9* device = nullptr;
+  std::vector<D3DCOLOR> colours;
+  D3DXVECTOR3 position;
   Then([&] {
     before = BackBuffer(), Taps("alt right down down down enter");
   });           // Camera, Third Person
@@ -56,6 +71,7 @@ TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
     EXPECT_EQ(App().m_fillMode, D3DFILL_WIREFRAME);
     EXPECT_GT(Share(BackBuffer(), kClear), 0.2) << "no lines with the clear colour between them";
     settings = App().m_settings, device = App().m_device;
+    colours = BodyColours(), position = App().m_player.GetPosition();
     // Change Device; in the dialog, the next multisample type; Escape cancels.
     Taps("alt+F c alt+M down esc");
   });
@@ -76,11 +92,16 @@ TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
     EXPECT_NE(now.m_vertexProcessing, was.m_vertexProcessing);
     EXPECT_EQ(now.m_presentInterval, was.m_presentInterval);
     EXPECT_GT(Share(BackBuffer(), kClear), 0.2) << "the new device draws the world in wireframe";
+    EXPECT_EQ(BodyColours().size(), 8u);
+    EXPECT_NE(BodyColours(), colours);
+    const D3DXVECTOR3 moved = App().m_player.GetPosition() - position;
+    EXPECT_LT(D3DXVec3Length(&moved), 1e-3f) << "the body stays where it was";
     // Each Escape closes one level; the third reaches the world and ends the run.
     Taps("alt+F esc esc");
   });
   Then([] { Taps("esc"); });
   RunPlan();
+  EXPECT_EQ(App().m_device, nullptr) << "the device outlived the run";
   // Under the dialog the window showed the world, dimmed, not a bare colour.
   const std::size_t pixels = s_dialog.rgba.size() / 4;
   ASSERT_GT(pixels, 0u);

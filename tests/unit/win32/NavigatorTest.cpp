@@ -66,17 +66,14 @@ TEST(MenuNavigator, KeysChooseAndHighlightAsANativeMenuBar) {
     std::vector<int> highlights;  // of the open popups, the bar's first
     const char* world;            // presses the menu left to the program
   } rows[] = {
+      // clang-format off
       {"alt", {}, 0, {}, ""},
       {"f10", {}, 0, {}, ""},
       {"alt alt", {}, -1, {}, ""},
       {"alt right right right", {}, 0, {}, ""},  // three titles: back to File
       {"alt left", {}, 2, {}, ""},
       {"alt right right down right down enter", {40014}, -1, {}, ""},  // Wireframe
-      {"alt right right down up right down enter",
-       {40023},
-       -1,
-       {},
-       ""},                                   // up wraps to Render Mode: Multi Pass
+      {"alt right right down up right down enter", {40023}, -1, {}, ""},  // up wraps to Render Mode: Multi Pass
       {"alt+R i s 1", {}, 2, {2, 3, 0}, ""},  // "&1" and "&16" share the key: highlight, no choice
       {"alt+R i s 1 1", {}, 2, {2, 3, 4}, ""},
       {"alt+R i s 1 enter", {40039}, -1, {}, ""},
@@ -85,12 +82,9 @@ TEST(MenuNavigator, KeysChooseAndHighlightAsANativeMenuBar) {
       {"alt+C down space", {40011}, -1, {}, ""},
       {"alt+F x", {40006}, -1, {}, ""},  // a letter right after Alt+F is the popup's
       {"alt+F esc", {}, 0, {}, ""},
-      {"alt+F esc esc esc",
-       {},
-       -1,
-       {},
-       "esc"},                           // one Escape a level: only the last reaches the world
+      {"alt+F esc esc esc", {}, -1, {}, "esc"},  // one Escape a level: only the last reaches the world
       {"alt+Q up", {}, -1, {}, "Q up"},  // no title has Q
+      // clang-format on
   };
   HMENU bar = MainMenu();
   EnableMenuItem(bar, 40034, MF_BYCOMMAND | MF_GRAYED);
@@ -155,18 +149,16 @@ TEST(DialogNavigator, QuickTapsMoveTheFocusAndChooseAsInANativeDialog) {
     int focus;          // control id with the focus afterwards
     int openList;       // id of the open list, 0 for none
   } rows[] = {
-      {"tab tab tab tab", "", IDC_RESOLUTION_COMBO,
-       0},  // OK, Cancel, adapter, device; format is disabled
+      // clang-format off
+      {"tab tab tab tab", "", IDC_RESOLUTION_COMBO, 0},  // OK, Cancel, adapter, device; format is disabled
       {"shift+tab", "", IDC_PRESENTINTERVAL_COMBO, 0},
       {"alt+A down", "1001=1", IDC_ADAPTER_COMBO, 0},  // a label's key goes to its list
       {"alt+A up", "", IDC_ADAPTER_COMBO, 0},
-      {"alt+A right right left end home", "1001=1 1001=2 1001=1 1001=26 1001=0", IDC_ADAPTER_COMBO,
-       0},
+      {"alt+A right right left end home", "1001=1 1001=2 1001=1 1001=26 1001=0", IDC_ADAPTER_COMBO, 0},
       {"alt+A next next next prior", "1001=10 1001=20 1001=26 1001=16", IDC_ADAPTER_COMBO, 0},
       {"alt+A b b b z 9", "1001=1 1001=2 1001=1 1001=26", IDC_ADAPTER_COMBO, 0},
       {"alt+A alt+down down down", "", IDC_ADAPTER_COMBO, IDC_ADAPTER_COMBO},
-      {"alt+A alt+down down down enter", "1001=2", IDC_ADAPTER_COMBO,
-       0},  // Enter chooses in the open list
+      {"alt+A alt+down down down enter", "1001=2", IDC_ADAPTER_COMBO, 0},  // Enter chooses in the open list
       {"alt+A f4 c enter", "1001=3", IDC_ADAPTER_COMBO, 0},
       {"alt+A f4 down esc", "", IDC_ADAPTER_COMBO, 0},
       {"alt+A f4 down esc esc", "cancel", IDCANCEL, 0},
@@ -177,6 +169,7 @@ TEST(DialogNavigator, QuickTapsMoveTheFocusAndChooseAsInANativeDialog) {
       {"alt+F space", "click 1008 click 1008", IDC_FULLSCREEN, 0},
       {"alt+M", "", IDC_MULTISAMPLE_TYPE_COMBO, 0},
       {"closebox", "cancel", IDCANCEL, 0},
+      // clang-format on
   };
   RegisterResources();
   for (const auto& row : rows) {
