@@ -29,7 +29,7 @@ void ClickThrough(std::vector<int> path) {
     Then([=] { ClickEntry(std::vector<int>(path.begin(), path.begin() + std::ptrdiff_t(n))); });
 }
 
-// After a size change: a back buffer of the new client size, shown one to one
+// At the start and after a size change: a back buffer of the new client size, shown one to one
 // below the bar (no stretching), and neither black nor the clear colour.
 void ExpectPictureFollowsTheWindow(int width, int height) {
   UINT w = 0, h = 0;
@@ -50,7 +50,13 @@ TEST(MenuBar, UsedByMouseInTheRealProgram) {
   Picture before;
   D3DXVECTOR3 position;
   float yaw = 0.0f;
-  Then([&] { before = BackBuffer(); });
+  Then([&] {
+    // The start: a window of 1200 x 700, the bar at its top, the device's
+    // back buffer the client area below it.
+    EXPECT_TRUE(App().m_settings.m_windowed);
+    ExpectPictureFollowsTheWindow(1200, 700);
+    before = BackBuffer();
+  });
   ClickThrough({2, 0, 1});  // Wireframe
   Then([&] {
     EXPECT_EQ(App().m_fillMode, D3DFILL_WIREFRAME);

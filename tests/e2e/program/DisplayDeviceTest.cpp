@@ -1,11 +1,10 @@
-// The display device on the real back end, in the one scripted run: the
-// window and device that OpenDisplay makes on the machine's enumeration,
-// and a lost device that is reset and draws the same world again.
+// The display device on the real back end, in the one scripted run: a lost
+// device that is reset and draws the same world again. (The window and
+// device of the start are the menu bar test's.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -25,38 +24,6 @@ int ChannelDifference(std::uint32_t a, std::uint32_t b) {
   for (int shift = 0; shift < 24; shift += 8)
     largest = std::max(largest, std::abs(int((a >> shift) & 0xFF) - int((b >> shift) & 0xFF)));
   return largest;
-}
-
-TEST(DisplayDevice, OpenDisplayStartsInA1200By700WindowWithTheMenuAndADeviceOfItsClientArea) {
-  const ProgramRun& run = ProgramRun::Get();
-  const RECT& w = run.windowRect;
-  EXPECT_EQ(Size(w.right - w.left, w.bottom - w.top), Size(1200, 700));
-  EXPECT_EQ(Size(run.sdlWidth, run.sdlHeight), Size(1200, 700));
-  EXPECT_TRUE(run.windowVisible && run.sdlShown);
-
-  // The menu is attached in a window and takes the top of it; the client
-  // area below is the viewport and the back buffer.
-  const int client = 700 - run.menuBarHeight;
-  EXPECT_GT(run.menuBarHeight, 0);
-  EXPECT_EQ(std::make_tuple(run.clientRect.left, run.clientRect.top, run.clientRect.right, run.clientRect.bottom),
-            std::make_tuple(0L, 0L, 1200L, long(client)));
-  EXPECT_EQ(Size(run.viewWidth, run.viewHeight), Size(1200, client));
-  EXPECT_EQ(Size(run.backBufferWidth, run.backBufferHeight), Size(1200, client));
-
-  // Window settings on the desktop's mode; the full-screen set was prepared
-  // too, on one of the modes the real machine enumerates (the rules of the
-  // enumeration are the device unit tests' concern).
-  EXPECT_EQ(run.enumerateResult, S_OK);
-  EXPECT_TRUE(run.settings.m_windowed);
-  const CD3DDisplaySettings& windowed = run.settings.m_windowedSettings;
-  EXPECT_EQ(windowed.m_displayMode.Format, run.desktopMode.Format);
-  EXPECT_EQ(windowed.m_displayMode.Width, run.desktopMode.Width);
-  EXPECT_EQ(windowed.m_backBufferFormat, run.desktopMode.Format);
-  const D3DDISPLAYMODE& full = run.settings.m_fullscreenSettings.m_displayMode;
-  const auto& modes = run.enumeration->GetAdapter(0)->m_modes;
-  EXPECT_TRUE(std::any_of(modes.begin(), modes.end(), [&](const D3DDISPLAYMODE& mode) {
-    return std::memcmp(&mode, &full, sizeof mode) == 0;
-  })) << full.Width << "x" << full.Height << " @" << full.RefreshRate;
 }
 
 TEST(DisplayDevice, ALostDeviceSkipsFramesUntilItCanBeResetThenDrawsTheSameWorld) {

@@ -1,8 +1,6 @@
 // The scripted whole run of the program and what it records (see ProgramRun.h).
 #include "ProgramRun.h"
 
-#include <SDL.h>
-
 #include <cstdlib>
 
 #include "app/GameApp.h"
@@ -73,7 +71,6 @@ void ProgramRun::Run() {
   win32::script::SetFrameCallback([this](std::uint32_t frame) {
     if (frame == 0) {
       RecordStart();
-      enumerateResult = enumeration->Enumerate(g_App.m_d3d);
     }
     Record(frame);
     Plan(frame);
@@ -101,21 +98,7 @@ void ProgramRun::RecordStart() {
   startPosition = g_App.m_player.GetPosition();
   startPitch = g_App.m_player.GetPitch();
   startYaw = g_App.m_player.GetYaw();
-  GetWindowRect(m_window, &windowRect);
-  GetClientRect(m_window, &clientRect);
-  if (SDL_Window* sdl = win32::SdlWindowOf(m_window)) {
-    SDL_GetWindowSize(sdl, &sdlWidth, &sdlHeight);
-    sdlShown = (SDL_GetWindowFlags(sdl) & SDL_WINDOW_SHOWN) != 0;
-  }
   menuBarHeight = win32::MenuBarHeight(m_window);
-  windowVisible = IsWindowVisible(m_window) != FALSE;
-  viewWidth = g_App.m_viewWidth;
-  viewHeight = g_App.m_viewHeight;
-  settings = g_App.m_settings;
-  if (g_App.m_d3d) g_App.m_d3d->GetAdapterDisplayMode(0, &desktopMode);
-  const Picture first = ReadPicture();
-  backBufferWidth = first.width;
-  backBufferHeight = first.height;
 }
 
 void ProgramRun::Record(std::uint32_t frame) {
@@ -135,8 +118,10 @@ void ProgramRun::Plan(std::uint32_t frame) {
   if (frame == kShrinkAt) {
     // The user makes the window small: software GL pays by the pixel, and
     // nothing but the picture's size depends on the window.
-    SetWindowPos(m_window, HWND_NOTOPMOST, windowRect.left, windowRect.top, kSmallWidth,
-                 kSmallHeight, SWP_NOACTIVATE);
+    RECT place{};
+    GetWindowRect(m_window, &place);
+    SetWindowPos(m_window, HWND_NOTOPMOST, place.left, place.top, kSmallWidth, kSmallHeight,
+                 SWP_NOACTIVATE);
     GetWindowRect(m_window, &smallWindowRect);
   } else if (device == nullptr) {
     if (frame == kLossAt) problems.push_back("no device to make lost");

@@ -19,12 +19,9 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "device/D3DSettings.h"
-#include "device/MyD3DInit.h"
 #include "platform/d3d9/d3d9.h"
 #include "platform/d3dx9/d3dx9.h"
 #include "platform/win32/windows.h"
@@ -73,18 +70,7 @@ class ProgramRun {
   D3DXVECTOR3 startPosition;
   float startPitch = 0.0f, startYaw = 0.0f;
   std::string startTitle;
-  RECT windowRect{}, clientRect{};
-  int sdlWidth = 0, sdlHeight = 0;  // the real window's size
-  bool sdlShown = false, windowVisible = false;
   int menuBarHeight = 0;
-  std::uint32_t viewWidth = 0, viewHeight = 0;
-  UINT backBufferWidth = 0, backBufferHeight = 0;
-  D3DDISPLAYMODE desktopMode{};
-  CD3DSettings settings{};
-
-  // ---- the enumeration of the real Direct3D object, kept whole ----
-  HRESULT enumerateResult = E_FAIL;
-  std::shared_ptr<CMyD3DInit> enumeration = std::make_shared<CMyD3DInit>();
 
   // ---- the lost device ----
   // The last frame drawn before the loss, the first after the reset (in the
