@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +21,7 @@
 #include <vector>
 
 #include "support/AssetFolder.h"
+#include "support/WorkDir.h"
 
 namespace fs = std::filesystem;
 
@@ -96,11 +96,7 @@ double MeanDifference(const Image& a, const Image& b, double top, double bottom)
   return count ? sum / static_cast<double>(count) : 0.0;
 }
 
-fs::path WorkDir() {
-  static const fs::path dir = fs::temp_directory_path() / ("karvo-draw-test-" + std::to_string(::getpid()));
-  fs::create_directories(dir);
-  return dir;
-}
+fs::path WorkDir() { return test_support::WorkDir("karvo-draw-test-", "KARVO_KEEP_FRAMES"); }
 
 // A flat picture of one colour: a JPEG, or a keyed PNG (alpha 0 gives white,
 // the key colour).
@@ -169,19 +165,6 @@ Image Capture(const fs::path& assets, const std::string& name, const std::string
   }
   return taken[name] = image;
 }
-
-// The frames go at the end, unless KARVO_KEEP_FRAMES is set
-// (to look at them after a failure).
-class DrawWorkDirCleanup : public ::testing::Environment {
- public:
-  void TearDown() override {
-    if (!std::getenv("KARVO_KEEP_FRAMES")) {
-      std::error_code error;
-      fs::remove_all(WorkDir(), error);
-    }
-  }
-};
-const auto* const s_cleanup = ::testing::AddGlobalTestEnvironment(new DrawWorkDirCleanup);
 
 }  // namespace
 

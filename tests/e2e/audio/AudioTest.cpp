@@ -11,7 +11,6 @@
 // their content, as BASS does.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -27,6 +26,7 @@
 
 #include "support/AssetFolder.h"
 #include "support/PcmLevels.h"
+#include "support/WorkDir.h"
 
 namespace fs = std::filesystem;
 
@@ -44,11 +44,7 @@ const char* const kMusic = "1.mp3";
 const char* const kSteps = "shagi_trava_short.mp3";
 const char* const kBreathe = "breathe_short.mp3";
 
-fs::path WorkDir() {
-  static const fs::path dir = fs::temp_directory_path() / ("karvo-audio-test-" + std::to_string(::getpid()));
-  fs::create_directories(dir);
-  return dir;
-}
+fs::path WorkDir() { return test_support::WorkDir("karvo-audio-test-", "KARVO_KEEP_AUDIO"); }
 
 std::string ReadText(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -151,19 +147,6 @@ void ExpectMarks(const ProgramRun& run) {
   EXPECT_LT(pace, 1.2) << pace << " s of output a second";
   ASSERT_GE(run.track.Seconds(), run.Mark("end"));
 }
-
-// The work folder goes at the end unless KARVO_KEEP_AUDIO is set, to listen
-// to the output after a failure.
-class AudioWorkDirCleanup : public ::testing::Environment {
- public:
-  void TearDown() override {
-    if (!std::getenv("KARVO_KEEP_AUDIO")) {
-      std::error_code error;
-      fs::remove_all(WorkDir(), error);
-    }
-  }
-};
-const auto* const s_cleanup = ::testing::AddGlobalTestEnvironment(new AudioWorkDirCleanup);
 
 }  // namespace
 
