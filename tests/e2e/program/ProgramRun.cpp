@@ -134,9 +134,6 @@ void ProgramRun::Plan(std::uint32_t frame) {
     d3d9gl::AllowReset(device);
     levelOnceAllowed = device->TestCooperativeLevel();
   } else if (frame == kRestoreAt) {
-    afterReset = ReadPicture();
-    GetWindowRect(m_window, &windowAfterReset);
-    GetClientRect(m_window, &clientAfterReset);
     // The user drags the window back to where and how big it was.
     SetWindowPos(m_window, HWND_NOTOPMOST, smallWindowRect.left, smallWindowRect.top,
                  smallWindowRect.right - smallWindowRect.left,

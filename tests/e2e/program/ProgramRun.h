@@ -73,11 +73,10 @@ class ProgramRun {
   int menuBarHeight = 0;
 
   // ---- the lost device ----
-  // The last frame drawn before the loss, the first after the reset (in the
-  // reset's window) and the one drawn once the window has its size back.
-  Picture beforeLoss, afterReset, afterRestore;
+  // The last frame drawn before the loss and the one drawn once the window
+  // has its size back after the reset.
+  Picture beforeLoss, afterRestore;
   RECT smallWindowRect{};  // the window as the user made it small
-  RECT windowAfterReset{}, clientAfterReset{};
   // TestCooperativeLevel while no reset is possible, then once it is.
   HRESULT levelWhileLost = S_OK, levelOnceAllowed = S_OK;
 

@@ -67,7 +67,7 @@ TEST_F(Display, NewWindowIsHiddenAndOverlappedAndTheWindowLeavesSizeAndRateToThe
   ASSERT_EQ(Create(init, Settings(true)), S_OK);
   const HWND hWnd = init.GetWindow();
   EXPECT_EQ(Kind(hWnd), DWORD(WS_OVERLAPPEDWINDOW));
-  // OpenDisplay shows it (at 1200 x 700, which the display device end-to-end test pins).
+  // OpenDisplay shows it (at 1200 x 700, which the menu bar test pins).
   EXPECT_FALSE(IsWindowVisible(hWnd));
 
   const D3DPRESENT_PARAMETERS& p = m_d3d.lastCreate.params;

@@ -26,7 +26,7 @@
 #include "view/Cam1stPerson.h"
 
 using Calls = karvo_test::DeviceCalls;
-using karvo_test::AsFake, karvo_test::DeviceCall, karvo_test::Ptr, karvo_test::RS, karvo_test::Tss;
+using karvo_test::DeviceCall, karvo_test::Ptr, karvo_test::RS, karvo_test::Tss;
 
 namespace {
 
@@ -263,13 +263,11 @@ TEST_F(Boxes, SkyBoxDrawsSixFacesAroundTheCameraAndRestores) {
 
 // ---- body box ----------------------------------------------------------------------
 
-TEST_F(Boxes, BodyBoxIsDrawnOnlyInThirdPersonAndTakesNewColoursOnEachBuild) {
+// (New colours for each device are the keyboard test's, over a change of device.)
+TEST_F(Boxes, BodyBoxIsDrawnOnlyInThirdPerson) {
   ASSERT_TRUE(app->BuildBodyBox());
-  const DWORD firstColour = reinterpret_cast<const CVertex*>(AsFake(app->m_bodyMesh.m_vertexBuffer)->Bytes().data())->m_diffuse;
   ASSERT_TRUE(app->BuildBodyBox());
-  EXPECT_EQ(device.LiveResources(), 2);
-  EXPECT_NE(reinterpret_cast<const CVertex*>(AsFake(app->m_bodyMesh.m_vertexBuffer)->Bytes().data())->m_diffuse,
-            firstColour);
+  EXPECT_EQ(device.LiveResources(), 2) << "a rebuild releases the old buffers";
   // A box 6 wide, 6 deep and 20 high with its foot at 0.
   EXPECT_EQ(app->m_bodyMesh.m_boundsMin, D3DXVECTOR3(-3.0f, 0.0f, -3.0f));
   EXPECT_EQ(app->m_bodyMesh.m_boundsMax, D3DXVECTOR3(3.0f, 20.0f, 3.0f));
