@@ -17,7 +17,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support/AssetFolder.h"

@@ -21,8 +21,7 @@ constexpr std::uint32_t kBareBackground = 0x2E333D;
 
 struct DialogShot {
   int dialogs = 0;
-  std::vector<std::uint8_t> rgba;
-  int width = 0, height = 0;
+  Picture picture;  // the first dialog's window as drawn
 } s_dialog;
 
 // The corner colours of the body box, drawn anew for each device.
@@ -47,7 +46,11 @@ void OnTurn(HWND dialog, std::uint32_t turn, void*) {
     EndDialog(dialog, IDCANCEL);
   }
   if (turn != 0 || ++s_dialog.dialogs > 1) return;
-  win32::DrawDialog(dialog, &s_dialog.rgba, &s_dialog.width, &s_dialog.height);
+  std::vector<std::uint8_t> rgba;
+  int width = 0, height = 0;
+  win32::DrawDialog(dialog, &rgba, &width, &height);
+  for (std::size_t i = 0; i + 3 < rgba.size(); i += 4)
+    s_dialog.picture.push_back(std::uint32_t(rgba[i]) << 16 | std::uint32_t(rgba[i + 1]) << 8 | rgba[i + 2]);
 }
 
 TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
@@ -103,14 +106,8 @@ TEST(Keyboard, MenusAndTheSettingsDialogAnswerQuickTapsAlone) {
   RunPlan();
   EXPECT_EQ(App().m_device, nullptr) << "the device outlived the run";
   // Under the dialog the window showed the world, dimmed, not a bare colour.
-  const std::size_t pixels = s_dialog.rgba.size() / 4;
-  ASSERT_GT(pixels, 0u);
-  std::size_t bare = 0;
-  for (std::size_t i = 0; i < pixels; ++i) {
-    const std::uint8_t* p = &s_dialog.rgba[i * 4];
-    bare += (std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2]) == kBareBackground;
-  }
-  EXPECT_LT(double(bare) / double(pixels), 0.01);
+  ASSERT_FALSE(s_dialog.picture.empty());
+  EXPECT_LT(Share(s_dialog.picture, kBareBackground), 0.01);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "e2e/menu/SdlPlan.h"
-#include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
 #include "platform/win32/overlay/Win32Overlay.h"
 

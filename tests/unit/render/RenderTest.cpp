@@ -5,9 +5,8 @@
 // CPlayer::Render only in third person), and the ground (CTerrain::Render:
 // the two texture layers in one pass or two, the per-block frustum test in
 // both passes, and the state the second pass leaves behind even when nothing
-// was drawn). Last the capture tool's command line: frames, held keys and
-// the menu commands that the options turn into, and a reason for refusing
-// bad input.
+// was drawn). (The capture tool's command line is tried by every run of the
+// draw tests.)
 //
 // Menu commands: 40013/14 solid/wireframe, 40019-21 mip none/point/linear,
 // 40022/23 single/multi pass, 40024-30 ADDSIGNED, ADDSIGNED2X, ADD, SUBTRACT,
@@ -19,7 +18,6 @@
 #include <vector>
 
 #include "AppUnderTest.h"
-#include "CaptureOptions.h"
 #include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
 #include "terrain/Vertex.h"
@@ -49,12 +47,6 @@ class RenderStates : public ::testing::Test {
   D3DCAPS9& caps = d3d.adapters[0].devices[D3DDEVTYPE_HAL];
 };
 using Boxes = RenderStates;
-
-// The capture tool's parser on these arguments, after the program's name.
-bool Parse(std::vector<const char*> args, CaptureOptions& options, std::string& error) {
-  args.insert(args.begin(), "karvo-capture");
-  return ParseCaptureOptions(static_cast<int>(args.size()), args.data(), options, error);
-}
 
 }  // namespace
 
@@ -381,28 +373,4 @@ TEST_F(TerrainRender, NothingVisibleOrNothingBuiltDrawsNothingButTheSecondPassSt
   device.ClearLog();
   terrain->Render(camera);
   EXPECT_EQ(device.Count("DrawIndexedPrimitive"), 0u);
-}
-
-// ---- the capture tool's options ------------------------------------------------------
-
-TEST(CaptureOptions, FramesKeysAndMenuCommandsAndRefusals) {
-  CaptureOptions options;
-  std::string error;
-  ASSERT_TRUE(Parse({"--frames", "120,1,60", "--hold", "up:0-120", "--hold", "a:30", "--colorop", "modulate", "--min",
-                     "anisotropic", "--mip", "none", "--anisotropy", "8"},
-                    options, error))
-      << error;
-  EXPECT_EQ(options.frames, (std::vector<std::uint32_t>{1, 60, 120}));
-  // The program's menu commands, in the order given.
-  EXPECT_EQ(options.commands, (std::vector<std::uint32_t>{40028, 40034, 40019, 40042}));
-  // Both ends of a range are held; a letter names its key in either case.
-  EXPECT_TRUE(options.IsHeld(0x26, 0) && options.IsHeld(0x26, 120) && options.IsHeld('A', 30));
-  EXPECT_FALSE(options.IsHeld(0x26, 121) || options.IsHeld('A', 31));
-
-  // Bad input is refused with a reason: no frames, a backward range.
-  for (const auto& bad : {std::vector<const char*>{}, {"--frames", "1", "--hold", "up:9-3"}}) {
-    error.clear();
-    EXPECT_FALSE(Parse(bad, options, error));
-    EXPECT_FALSE(error.empty());
-  }
 }
