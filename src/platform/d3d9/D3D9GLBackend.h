@@ -46,6 +46,11 @@ void AllowReset(IDirect3DDevice9* device);
 // need, also where the GL could index them (software GL).
 void UseSlotTests(IDirect3DDevice9* device);
 
+// Devices made after UsePlainPath(true) draw every call when it comes, in
+// the order it comes: the plain reference that the faster path must match
+// pixel for pixel.
+void UsePlainPath(bool plain);
+
 // Counters of the GL work done, for benchmarks and tests.
 struct FrameStats {
   std::uint32_t glDrawCalls = 0;          // GL draw calls since the last Present

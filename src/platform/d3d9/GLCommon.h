@@ -72,6 +72,9 @@ class GLCore {
 // Window port: the SDL window of a handle, and its client area in pixels of
 // the GL drawable (origin bottom left, as glViewport counts).
 SDL_Window* SdlWindowOf(HWND hWnd);
+// Whether devices made from now on take the plain path (UsePlainPath).
+bool PlainPath();
+
 struct ClientArea {
   int x = 0, y = 0, width = 0, height = 0;
 };

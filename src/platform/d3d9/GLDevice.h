@@ -6,6 +6,7 @@
 //   GLDeviceResources.cpp  Create* of textures and buffers
 //   GLDeviceDraw.cpp       translation of the recorded state at draw time,
 //                          indexed draws, merged UP draws
+//   GLDeviceBackground.cpp the background (sky) drawn after what covers it
 #pragma once
 
 #include <array>
@@ -64,6 +65,7 @@ class GLDevice final : public IDirect3DDevice9 {
 
   // ---- back-end hooks ------------------------------------------------------
   void FlushBatch();                  // carries out pending merged draws
+  void FlushPending();                // merged draws, then held-back background draws
   void ForgetTexture(GLuint name);    // a GL texture is about to be deleted
   bool ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
   // Draws the last presented frame into the default framebuffer of its
@@ -96,6 +98,36 @@ class GLDevice final : public IDirect3DDevice9 {
     if (batch_.vertexCount) FlushBatch();
   }
 
+  // Background draws (GLDeviceBackground.cpp). A draw that writes no depth,
+  // made before anything else after the depth is cleared (the sky), is held
+  // back while the draws after it overwrite what they cover (no blending);
+  // those mark the pixels they write in the stencil, and the held-back draws
+  // then go where nothing is marked, just before the first draw that blends.
+  // The picture is the same, but the pixels that the opaque ground covers
+  // anyway are never shaded for the background.
+  struct HeldDraw {
+    DWORD rs[kRenderStates];
+    DWORD tss[kStages][kStageStates];
+    DWORD ss[kSamplers][kSamplerStates];
+    IDirect3DBaseTexture9* textures[kSamplers];
+    D3DMATRIX world, view, proj;
+    D3DVIEWPORT9 viewport;
+    DWORD fvf;
+    GLVertexBuffer* stream;
+    UINT streamOffset, streamStride;
+    GLIndexBuffer* indices;
+    D3DPRIMITIVETYPE type;
+    INT baseVertex;
+    UINT startIndex, primCount;
+  };
+  enum StencilUse { kStencilOff, kStencilMark, kStencilUnmarked };
+  bool WritesDepth() const;
+  void HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount);
+  void DrawBackground();  // the held-back draws, where nothing is marked
+  void DropBackground();  // forgets them without drawing
+  void SwapState(HeldDraw& held);
+  void ApplyStencil(int use);
+
   // Draw (GLDeviceDraw.cpp).
   struct Layout {
     UINT size = 0, color = 0, tex0 = 0, tex1 = 0;  // byte offsets; 0 = absent (colour/tex)
@@ -114,6 +146,8 @@ class GLDevice final : public IDirect3DDevice9 {
   void BindTexture(GLuint unit, GLuint name);
   void BindForDrawing(GLuint unit, GLTexture* texture);
   void DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride);
+  // The GL draw of a checked DrawIndexedPrimitive with the state recorded now.
+  void DrawIndexed(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount);
   std::size_t StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity, GLenum target,
                           const void* data, std::size_t bytes, std::size_t align);
 
@@ -132,6 +166,11 @@ class GLDevice final : public IDirect3DDevice9 {
   bool simulatedLoss_ = false, simulatedCanReset_ = false;
   bool indexSlots_ = Limits().slotIndexedSamplers;
   bool sawFocus_ = false;
+  const bool plain_ = PlainPath();   // every draw as it comes, in its order
+  bool ownStencil_ = false;          // the depth buffer has a stencil for the back end's use
+  bool freshDepth_ = false;          // depth and stencil cleared, nothing drawn since
+  bool replaying_ = false;           // the held-back draws are being drawn
+  std::vector<std::unique_ptr<HeldDraw>> background_;
 
   // Recorded state.
   DWORD rs_[kRenderStates] = {};
@@ -164,7 +203,7 @@ class GLDevice final : public IDirect3DDevice9 {
   std::size_t streamIbOffset_ = 0, streamIbCapacity_ = 0;
   struct GLFixed {  // GL fixed-function state as last set
     int blend = -1, srcBlend = -1, dstBlend = -1, depthTest = -1, depthMask = -1, depthFunc = -1;
-    int cull = -1, fill = -1, dither = -1;
+    int cull = -1, fill = -1, dither = -1, stencil = -1;
   } gl_;
 
   // Pending merged UP draw: vertices in the caller's layout, one texture slot

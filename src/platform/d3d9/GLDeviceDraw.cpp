@@ -210,6 +210,10 @@ void GLDevice::ApplyFixedState() {
 }
 
 bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count) {
+  // A blending draw must find the held-back background below it.
+  if (!background_.empty() && !replaying_ && rs_[D3DRS_ALPHABLENDENABLE]) DrawBackground();
+  freshDepth_ = false;
+  ApplyStencil(replaying_ ? kStencilUnmarked : background_.empty() ? kStencilOff : kStencilMark);
   StageState stages[kShaderStages];
   for (int i = 0; i < kShaderStages; ++i) {
     const DWORD* t = tss_[i];
@@ -430,16 +434,26 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
   if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices) return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   FlushBatch();
-  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return D3D_OK;
+  if (freshDepth_ && !WritesDepth())
+    HoldBackground(type, baseVertex, startIndex, primCount);
+  else
+    DrawIndexed(type, baseVertex, startIndex, primCount);
+  return D3D_OK;
+}
+
+void GLDevice::DrawIndexed(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount) {
+  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return;
+  const Layout layout = LayoutOf(fvf_);
+  const UINT indexSize = indices_->format() == D3DFMT_INDEX32 ? 4 : 2;
   BindVertexLayout(stream_->name(), layout, streamStride_, streamOffset_, false);
   if (currentElementBuffer_ != indices_->name()) {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_->name());
     currentElementBuffer_ = indices_->name();
   }
-  glDrawElementsBaseVertex(ModeOf(type), GLsizei(n), indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
+  glDrawElementsBaseVertex(ModeOf(type), GLsizei(VerticesFor(type, primCount)),
+                           indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
                            reinterpret_cast<const void*>(std::size_t(startIndex) * indexSize), baseVertex);
   ++stats_.glDrawCalls;
-  return D3D_OK;
 }
 
 }  // namespace d3d9gl

@@ -53,6 +53,7 @@ GLDevice::~GLDevice() {
   for (int i = 0; i < batch_.textureCount; ++i) batch_.textures[i]->Release();
   batch_.textureCount = 0;
   batch_.vertexCount = 0;
+  DropBackground();
   ReleaseBindings();
   if (current) {
     DestroyBackBuffer();
@@ -144,6 +145,7 @@ void GLDevice::DestroyBackBuffer() {
   for (GLuint rb : rbs)
     if (rb) glDeleteRenderbuffers(1, &rb);
   fbo_ = resolveFbo_ = colorRb_ = depthRb_ = resolveRb_ = 0;
+  ownStencil_ = freshDepth_ = false;
 }
 
 bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTISAMPLE_TYPE ms, DWORD quality,
@@ -171,10 +173,13 @@ bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTI
   storage(colorRb_, BackBufferInternalFormat(color), samples);
   glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colorRb_);
   if (depth) {
-    GLenum df = DepthInternalFormat(depthFormat);
+    const GLenum twin = DepthStencilTwin(depthFormat);
+    ownStencil_ = twin != 0;
+    const GLenum df = ownStencil_ ? twin : DepthInternalFormat(depthFormat);
     glGenRenderbuffers(1, &depthRb_);
     storage(depthRb_, df, samples);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, df == GL_DEPTH24_STENCIL8 ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
+    const bool packed = df == GL_DEPTH24_STENCIL8 || df == GL_DEPTH32F_STENCIL8;
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, packed ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
                               GL_RENDERBUFFER, depthRb_);
   }
   bool ok = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
@@ -278,7 +283,7 @@ HRESULT GLDevice::BeginScene() {
 HRESULT GLDevice::EndScene() {
   if (!inScene_) return D3DERR_INVALIDCALL;
   inScene_ = false;
-  FlushBatch();
+  FlushPending();
   return D3D_OK;
 }
 
@@ -288,11 +293,18 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
   if ((flags & D3DCLEAR_ZBUFFER) && depthRb_ == 0) return D3DERR_INVALIDCALL;
   if ((flags & D3DCLEAR_STENCIL) && pp_.AutoDepthStencilFormat != D3DFMT_D24S8) return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
-  FlushBatch();
+  FlushPending();
   GLbitfield mask = 0;
   if (flags & D3DCLEAR_TARGET) mask |= GL_COLOR_BUFFER_BIT;
   if (flags & D3DCLEAR_ZBUFFER) mask |= GL_DEPTH_BUFFER_BIT;
   if (flags & D3DCLEAR_STENCIL) mask |= GL_STENCIL_BUFFER_BIT;
+  // The stencil the back end keeps for itself is cleared with the depth
+  // (packed beside it, this costs nothing more); the device has no stencil
+  // states, so what a caller clears it to is never seen.
+  if (ownStencil_ && (flags & D3DCLEAR_ZBUFFER)) {
+    mask |= GL_STENCIL_BUFFER_BIT;
+    stencil = 0;
+  }
   glClearColor(float((color >> 16) & 0xFF) / 255.0f, float((color >> 8) & 0xFF) / 255.0f, float(color & 0xFF) / 255.0f,
                float(color >> 24) / 255.0f);
   glClearDepth(std::clamp(z, 0.0f, 1.0f));
@@ -306,13 +318,16 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
   LONG vx1 = LONG(viewport_.X), vy1 = LONG(viewport_.Y);
   LONG vx2 = vx1 + LONG(viewport_.Width), vy2 = vy1 + LONG(viewport_.Height);
   D3DRECT whole{vx1, vy1, vx2, vy2};
+  bool everyPixel = false;
   for (DWORD i = 0; i < std::max<DWORD>(count, 1); ++i) {
     const D3DRECT& r = count ? rects[i] : whole;
     LONG x1 = std::max(r.x1, vx1), y1 = std::max(r.y1, vy1), x2 = std::min(r.x2, vx2), y2 = std::min(r.y2, vy2);
     if (x2 <= x1 || y2 <= y1) continue;
     glScissor(x1, GLint(bbHeight_) - y2, x2 - x1, y2 - y1);
     glClear(mask);
+    everyPixel = everyPixel || (x1 == 0 && y1 == 0 && UINT(x2) == bbWidth_ && UINT(y2) == bbHeight_);
   }
+  freshDepth_ = !plain_ && ownStencil_ && (flags & D3DCLEAR_ZBUFFER) && everyPixel;
   glDisable(GL_SCISSOR_TEST);
   return D3D_OK;
 }
@@ -332,7 +347,7 @@ bool GLDevice::LossConditionHolds() {
 HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void* dirty) {
   if (src != nullptr || dst != nullptr || wnd != nullptr || dirty != nullptr) return D3DERR_INVALIDCALL;
   if (!core_->MakeCurrent()) return D3DERR_DEVICELOST;
-  FlushBatch();
+  FlushPending();
   if (lost_ || simulatedLoss_) return D3DERR_DEVICELOST;
   if (LossConditionHolds()) {
     lost_ = true;
@@ -383,7 +398,7 @@ void GLDevice::ShowBackBuffer() {
 
 bool GLDevice::ShowLastFrame(HWND hWnd) {
   if (hWnd != window_ || lost_ || fbo_ == 0 || !core_->MakeCurrent()) return false;
-  FlushBatch();
+  FlushPending();
   ShowBackBuffer();
   return true;
 }
@@ -405,7 +420,7 @@ HRESULT GLDevice::TestCooperativeLevel() {
 HRESULT GLDevice::Reset(D3DPRESENT_PARAMETERS* pp) {
   if (pp == nullptr) return D3DERR_INVALIDCALL;
   if (!core_->MakeCurrent()) return D3DERR_DEVICELOST;
-  FlushBatch();
+  FlushPending();
   // Default-pool resources must be released before a reset, as on the platform.
   if (core_->defaultPoolResources > 0) return D3DERR_INVALIDCALL;
   if (TestCooperativeLevel() == D3DERR_DEVICELOST) return D3DERR_DEVICELOST;
@@ -427,7 +442,7 @@ HRESULT GLDevice::Reset(D3DPRESENT_PARAMETERS* pp) {
 
 bool GLDevice::ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height) {
   if (!core_->MakeCurrent() || fbo_ == 0) return false;
-  FlushBatch();
+  FlushPending();
   GLuint read = ResolvedFramebuffer();
   glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
   width = bbWidth_;
@@ -447,7 +462,7 @@ bool GLDevice::ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& heig
 }
 
 void GLDevice::SimulateLost(bool canResetNow) {
-  FlushBatch();
+  FlushPending();
   lost_ = true;
   simulatedLoss_ = true;
   simulatedCanReset_ = canResetNow;
@@ -495,8 +510,16 @@ bool GetFrameStats(IDirect3DDevice9* device, FrameStats& stats) {
 }
 
 void Flush(IDirect3DDevice9* device) {
-  if (GLDevice* d = GLDevice::From(device)) d->FlushBatch();
+  if (GLDevice* d = GLDevice::From(device)) d->FlushPending();
 }
+
+namespace {
+bool s_plainPath = false;
+}
+
+void UsePlainPath(bool plain) { s_plainPath = plain; }
+
+bool PlainPath() { return s_plainPath; }
 
 void SetPresentHook(PresentHook hook, void* user) {
   s_presentHook = hook ? hook : &DrawOverlay;

@@ -64,6 +64,15 @@ GLenum DepthInternalFormat(D3DFORMAT format) {
   }
 }
 
+GLenum DepthStencilTwin(D3DFORMAT format) {
+  switch (format) {
+    case D3DFMT_D24X8:
+    case D3DFMT_D24S8: return GL_DEPTH24_STENCIL8;
+    case D3DFMT_D32: return GL_DEPTH32F_STENCIL8;
+    default: return 0;  // D16: packed only with 24 bits of depth
+  }
+}
+
 bool IsDisplayFormat(D3DFORMAT format) {
   return format == D3DFMT_X8R8G8B8 || format == D3DFMT_R5G6B5 || format == D3DFMT_X1R5G5B5;
 }

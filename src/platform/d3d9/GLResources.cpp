@@ -151,7 +151,7 @@ HRESULT GLTexture::UnlockRect(UINT level) {
   if (name_ == 0 || !core_->MakeCurrent()) return D3D_OK;  // the copy is all there is
   if (!l.readOnly) {
     // Merged draws waiting with this texture must see its old texels.
-    if (core_->owner) core_->owner->FlushBatch();
+    if (core_->owner) core_->owner->FlushPending();
     glActiveTexture(kUploadTextureUnit);
     glBindTexture(GL_TEXTURE_2D, name_);
     Upload(level);
@@ -226,6 +226,8 @@ HRESULT GLBuffer<Interface>::Unlock() {
   if (!locked_) return D3DERR_INVALIDCALL;
   locked_ = false;
   if (!readOnly_ && name_ && lockSize_ > 0 && core_->MakeCurrent()) {
+    // Draws held back with this buffer must see its old contents.
+    if (core_->owner) core_->owner->FlushPending();
     glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
     glBufferSubData(GL_COPY_WRITE_BUFFER, GLintptr(lockOffset_), GLsizeiptr(lockSize_), data_.data() + lockOffset_);
   }

@@ -1,0 +1,117 @@
+// The background drawn after what covers it. The world's frame begins with a
+// sky that writes no depth and fills the whole view, and the opaque ground
+// then covers most of it: on a software rasteriser, shading those sky pixels
+// costs as much as a third of the frame for nothing. So a draw that writes no
+// depth, made before anything else after a clear of depth and stencil, is
+// held back. Each draw after it that overwrites what it covers (no blending)
+// writes 1 into the stencil wherever it writes a pixel. The held-back draws
+// then go, in their order and with their own state, only where the stencil
+// is still 0, just before the first draw that blends (which must see them
+// below it) or before anything else needs the picture.
+//
+// The picture is exactly the one of drawing in order: a pixel that a later
+// opaque draw wrote shows that draw either way, since it overwrote the
+// background; any other pixel was left alone by those draws, depth included,
+// so the background passes or fails there as it did first. The depth buffer
+// gets its stencil twin with the same depth precision (24-bit or 32-bit
+// float); a 16-bit depth buffer has none and is drawn in order.
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/d3d9/GLDevice.h"
+
+namespace d3d9gl {
+
+bool GLDevice::WritesDepth() const {
+  return depthRb_ != 0 && rs_[D3DRS_ZENABLE] != D3DZB_FALSE && rs_[D3DRS_ZWRITEENABLE] != 0;
+}
+
+void GLDevice::HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount) {
+  auto held = std::make_unique<HeldDraw>();
+  std::memcpy(held->rs, rs_, sizeof rs_);
+  std::memcpy(held->tss, tss_, sizeof tss_);
+  std::memcpy(held->ss, ss_, sizeof ss_);
+  std::copy(std::begin(textures_), std::end(textures_), held->textures);
+  for (IDirect3DBaseTexture9* t : held->textures)
+    if (t) t->AddRef();
+  held->world = world_, held->view = view_, held->proj = proj_;
+  held->viewport = viewport_;
+  held->fvf = fvf_;
+  held->stream = stream_, held->streamOffset = streamOffset_, held->streamStride = streamStride_;
+  held->indices = indices_;
+  stream_->AddRef();
+  indices_->AddRef();
+  held->type = type, held->baseVertex = baseVertex, held->startIndex = startIndex, held->primCount = primCount;
+  background_.push_back(std::move(held));
+}
+
+void GLDevice::SwapState(HeldDraw& held) {
+  std::swap(rs_, held.rs);
+  std::swap(tss_, held.tss);
+  std::swap(ss_, held.ss);
+  std::swap(textures_, held.textures);
+  std::swap(world_, held.world);
+  std::swap(view_, held.view);
+  std::swap(proj_, held.proj);
+  std::swap(viewport_, held.viewport);
+  std::swap(fvf_, held.fvf);
+  std::swap(stream_, held.stream);
+  std::swap(streamOffset_, held.streamOffset);
+  std::swap(streamStride_, held.streamStride);
+  std::swap(indices_, held.indices);
+  // Everything the next draw translates may differ now.
+  ++wvpSerial_;
+  ++viewportSerial_;
+  fixedDirty_ = viewportDirty_ = true;
+  for (bool& d : samplerDirty_) d = true;
+}
+
+void GLDevice::DrawBackground() {
+  if (background_.empty() || replaying_) return;
+  replaying_ = true;
+  for (auto& held : background_) {
+    SwapState(*held);
+    if (!lost_) DrawIndexed(held->type, held->baseVertex, held->startIndex, held->primCount);
+    SwapState(*held);
+  }
+  replaying_ = false;
+  DropBackground();
+  ApplyStencil(kStencilOff);
+}
+
+void GLDevice::DropBackground() {
+  for (auto& held : background_) {
+    for (IDirect3DBaseTexture9* t : held->textures)
+      if (t) t->Release();
+    held->stream->Release();
+    held->indices->Release();
+  }
+  background_.clear();
+}
+
+void GLDevice::ApplyStencil(int use) {
+  if (gl_.stencil == use) return;
+  gl_.stencil = use;
+  if (use == kStencilOff) {
+    glDisable(GL_STENCIL_TEST);
+    return;
+  }
+  glEnable(GL_STENCIL_TEST);
+  if (use == kStencilMark) {
+    // Written where the depth test passes, or where there is none.
+    glStencilFunc(GL_ALWAYS, 1, 0xFF);
+    glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+  } else {
+    glStencilFunc(GL_EQUAL, 0, 0xFF);
+    glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
+  }
+}
+
+void GLDevice::FlushPending() {
+  if (!core_->MakeCurrent()) return;
+  FlushBatch();
+  DrawBackground();
+}
+
+}  // namespace d3d9gl
