@@ -152,6 +152,10 @@ void OnFrameBoundary(std::uint32_t scriptFrame) {
     g_App.m_player.SetPosition(D3DXVECTOR3(options.placeAt[0], options.placeAt[1], options.placeAt[2]));
     g_App.m_player.SetVelocity(D3DXVECTOR3(0.0f, 0.0f, 0.0f));
   }
+  if (scriptFrame == 0 && options.look) {
+    CPlayer& player = g_App.m_player;
+    player.Rotate(options.lookAt[1] - player.GetPitch(), options.lookAt[0] - player.GetYaw(), 0.0f);
+  }
   if (options.rainOffFrame != 0 && scriptFrame + 1 == options.rainOffFrame) g_App.m_terrain.m_rainEnabled = false;
   const std::vector<std::uint32_t>& frames = s_run.options->frames;
   while (s_run.next < frames.size() && frames[s_run.next] < scriptFrame) ++s_run.next;
@@ -223,6 +227,7 @@ int main(int argc, char** argv) {
   script.maxFrames =
       options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
   win32::script::Enable(script);
+  d3d9gl::UsePlainPath(options.plain);
   for (std::uint32_t command : options.commands) win32::script::Command(0, command);
   ScheduleKeys(options);
   win32::script::SetFrameCallback(OnFrameBoundary);

@@ -121,15 +121,17 @@ bool ParseFrames(const std::string& text, std::vector<std::uint32_t>& frames) {
 }
 
 // "x,y,z": three finite decimal numbers within the reach of a float.
-bool ParsePoint(const std::string& text, float (&point)[3]) {
+// N numbers separated by commas, each finite and within 1e7.
+template <int N>
+bool ParsePoint(const std::string& text, float (&point)[N]) {
   const char* at = text.c_str();
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < N; ++i) {
     char* end = nullptr;
     errno = 0;
     const double v = std::strtod(at, &end);
     if (errno != 0 || end == at || !std::isfinite(v) || std::fabs(v) > 1e7) return false;
     point[i] = static_cast<float>(v);
-    if (*end != (i < 2 ? ',' : '\0')) return false;
+    if (*end != (i < N - 1 ? ',' : '\0')) return false;
     at = end + 1;
   }
   return true;
@@ -161,6 +163,8 @@ const char* CaptureUsage() {
          "  --anisotropy N       1 2 4 8 16 32 64\n"
          "  --step SECONDS       fixed clock step per frame (default 1/60)\n"
          "  --place X,Y,Z        put the walker there before the first frame\n"
+         "  --look YAW,PITCH     turn the walker so, in degrees (pitch below 0 looks up)\n"
+         "  --plain              draw every call in order as it comes (the reference path)\n"
          "  --rain-off N         switch the rain off before frame N\n"
          "  --out DIR            folder for the files (default .)\n"
          "  --assets DIR         the assets folder to run in (default: the working directory)\n"
@@ -186,6 +190,10 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
     }
     if (arg == "--dialog") {
       options.dialog = true;
+      continue;
+    }
+    if (arg == "--plain") {
+      options.plain = true;
       continue;
     }
     // Every other option takes one value.
@@ -232,6 +240,8 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
       if (ok) options.step = step;
     } else if (arg == "--place") {
       ok = options.place = ParsePoint(value, options.placeAt);
+    } else if (arg == "--look") {
+      ok = options.look = ParsePoint(value, options.lookAt);
     } else if (arg == "--rain-off") {
       ok = ParseNumber(value, options.rainOffFrame) && options.rainOffFrame > 0;
     } else if (arg == "--out") {

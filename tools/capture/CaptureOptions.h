@@ -26,6 +26,9 @@ struct CaptureOptions {
   bool dialog = false;       // write the settings dialog after the last frame
   bool place = false;        // put the walker at placeAt before frame 1
   float placeAt[3] = {0.0f, 0.0f, 0.0f};
+  bool look = false;  // turn the walker to lookAt (yaw, pitch in degrees) before frame 1
+  float lookAt[2] = {0.0f, 0.0f};
+  bool plain = false;  // the GL back end's plain path, which the fast one must match
   std::uint32_t rainOffFrame = 0;  // the rain is switched off before this frame; 0: never
   bool help = false;
 
