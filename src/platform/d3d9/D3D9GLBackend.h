@@ -46,9 +46,10 @@ void AllowReset(IDirect3DDevice9* device);
 // need, also where the GL could index them (software GL).
 void UseSlotTests(IDirect3DDevice9* device);
 
-// Devices made after UsePlainPath(true) draw every call when it comes, in
-// the order it comes: the plain reference that the faster path must match
-// pixel for pixel.
+// After UsePlainPath(true) every frame from the next Clear on is drawn call by
+// call as the calls come, in their order: the plain reference that the faster
+// path must match pixel for pixel (tests), and the baseline it is timed
+// against (benchmarks).
 void UsePlainPath(bool plain);
 
 // Counters of the GL work done, for benchmarks and tests.

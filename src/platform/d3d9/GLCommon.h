@@ -72,7 +72,7 @@ class GLCore {
 // Window port: the SDL window of a handle, and its client area in pixels of
 // the GL drawable (origin bottom left, as glViewport counts).
 SDL_Window* SdlWindowOf(HWND hWnd);
-// Whether devices made from now on take the plain path (UsePlainPath).
+// Whether frames begun from now on take the plain path (UsePlainPath).
 bool PlainPath();
 
 struct ClientArea {

@@ -166,7 +166,6 @@ class GLDevice final : public IDirect3DDevice9 {
   bool simulatedLoss_ = false, simulatedCanReset_ = false;
   bool indexSlots_ = Limits().slotIndexedSamplers;
   bool sawFocus_ = false;
-  const bool plain_ = PlainPath();   // every draw as it comes, in its order
   bool ownStencil_ = false;          // the depth buffer has a stencil for the back end's use
   bool freshDepth_ = false;          // depth and stencil cleared, nothing drawn since
   bool replaying_ = false;           // the held-back draws are being drawn

@@ -327,7 +327,7 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
     glClear(mask);
     everyPixel = everyPixel || (x1 == 0 && y1 == 0 && UINT(x2) == bbWidth_ && UINT(y2) == bbHeight_);
   }
-  freshDepth_ = !plain_ && ownStencil_ && (flags & D3DCLEAR_ZBUFFER) && everyPixel;
+  freshDepth_ = !PlainPath() && ownStencil_ && (flags & D3DCLEAR_ZBUFFER) && everyPixel;
   glDisable(GL_SCISSOR_TEST);
   return D3D_OK;
 }
