@@ -213,7 +213,7 @@ class GLDevice final : public IDirect3DDevice9 {
     std::uint32_t vertexCount = 0;
     std::vector<std::uint8_t> vertices;
     std::vector<std::uint8_t> slots;
-    std::vector<std::uint32_t> indices;
+    std::vector<std::uint16_t> indices;  // kBatchVertexLimit keeps them within 16 bits
     IDirect3DBaseTexture9* textures[kBatchTextures] = {};
     int textureCount = 0;  // none: stage 0 has no texture for these draws
   } batch_;

@@ -11,7 +11,9 @@ namespace d3d9gl {
 
 namespace {
 
-// Vertices of one merged draw at most (keeps a flush's upload bounded).
+// Vertices of one merged draw at most: keeps a flush's upload bounded and
+// every index within 16 bits, half the index data of 32-bit ones to write,
+// upload and fetch.
 constexpr std::uint32_t kBatchVertexLimit = 1u << 16;
 // Least storage of the two stream buffers. Each time one fills, its storage
 // is orphaned and the GL keeps it until the draws that read it are done, so
@@ -313,11 +315,12 @@ void GLDevice::FlushBatch() {
     std::size_t sOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.slots.data(),
                                    b.slots.size(), 4);
     std::size_t iOff = StreamWrite(streamIb_, streamIbOffset_, streamIbCapacity_, GL_ELEMENT_ARRAY_BUFFER,
-                                   b.indices.data(), b.indices.size() * 4, 4);
+                                   b.indices.data(), b.indices.size() * 2, 2);
     BindVertexLayout(streamVb_, layout, b.stride, vOff, true);
     glEnableVertexAttribArray(kAttrSlot);
     glVertexAttribIPointer(kAttrSlot, 1, GL_UNSIGNED_BYTE, 1, reinterpret_cast<const void*>(sOff));
-    glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_INT, reinterpret_cast<const void*>(iOff));
+    glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_SHORT,
+                   reinterpret_cast<const void*>(iOff));
     ++stats_.glDrawCalls;
     ++stats_.upGlDraws;
   }
@@ -358,7 +361,9 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
   }
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   ++stats_.upCalls;
-  if (type != D3DPT_TRIANGLELIST && type != D3DPT_TRIANGLESTRIP && type != D3DPT_TRIANGLEFAN) {
+  // Lines and points, and a call too big for any merged draw, go alone.
+  if ((type != D3DPT_TRIANGLELIST && type != D3DPT_TRIANGLESTRIP && type != D3DPT_TRIANGLEFAN) ||
+      n > kBatchVertexLimit) {
     FlushBatch();
     DrawUnbatched(type, primCount, data, stride);
     return D3D_OK;
@@ -398,7 +403,7 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
     } else {  // odd strip triangles swap their first two to keep the winding
       t[0] = i + 1, t[1] = i, t[2] = i + 2;
     }
-    for (std::uint32_t v : t) b.indices.push_back(base + v);
+    for (std::uint32_t v : t) b.indices.push_back(std::uint16_t(base + v));
   }
   b.vertexCount += n;
   return D3D_OK;
