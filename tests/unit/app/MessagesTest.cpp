@@ -189,11 +189,11 @@ TEST_F(Messages, ChangeDeviceCancelledChangesNothingAcceptedSetsTheMenuByModeAnd
 
 TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
   // Keys held, cursor motion while the left button holds the capture, and
-  // the turn in degrees that one frame makes of them.
-  const struct { std::initializer_list<BYTE> keys; int dx, dy; float pitch, yaw, roll; } rows[] = {
+  // the turn in degrees and the rise that one frame makes of them.
+  const struct { std::initializer_list<BYTE> keys; int dx, dy; float pitch, yaw, roll, rise = 0; } rows[] = {
       {{'A'}, 0, 0, 0.5f, 0, 0},     {{'Q'}, 0, 0, -0.5f, 0, 0}, {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
       {{VK_RIGHT}, 0, 0, 0, 0.5f, 0}, {{}, 9, -6, -2.0f, 3.0f, 0}, {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
-      {{'S'}, 9, -6, 0, 0, 0},        {{'A', 'Q'}, 0, 0, 0, 0, 0}};
+      {{'S'}, 9, -6, 0, 0, 0, 2.5f},  {{'A', 'Q'}, 0, 0, 0, 0, 0}, {{'J'}, 0, 0, 0, 0, 0, 7.0f}};
   for (const auto& row : rows) {
     win32::script::Enable({.realWindows = false});
     win32::script::HoldKeys(0, row.keys);
@@ -202,9 +202,10 @@ TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
     SetCapture(hWnd);
     QuitPosted();  // delivers the script
     const CPlayer& p = app->m_player;
-    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll();
-    app->ReadInput();
+    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll(), y = p.GetPosition().y;
+    app->ReadInput();  // on a timer that has not ticked: no physics, only the keys' own moves
     SCOPED_TRACE(&row - rows);
+    EXPECT_FLOAT_EQ(p.GetPosition().y - y, row.rise);
     EXPECT_FLOAT_EQ(p.GetPitch() - pitch, row.pitch);
     EXPECT_FLOAT_EQ(p.GetYaw() - yaw, row.yaw);
     EXPECT_FLOAT_EQ(p.GetRoll() - roll, row.roll);

@@ -46,7 +46,11 @@ TEST_F(Player, AStepIsATenthAlongTheLookAndStopsAtLimitsTowersAndTheBigTree) {
       {14995, 14995, 45, 14995, 14995},
       {1988, 3500, 90, 1998, 3500}, {1989, 3500, 90, 1989, 3500},  // onto 1998: outside the first tower; 1999: refused
       {6010, 2990, 0, 6010, 2990},   // z 3000 in the second
-      {1500, 6860, 0, 1500, 6870}, {1500, 6861, 0, 1500, 6861}};  // exactly 130 from the big tree is allowed
+      {1500, 6860, 0, 1500, 6870}, {1500, 6861, 0, 1500, 6861},  // exactly 130 from the big tree is allowed
+      // Onto the map's other edges, and onto each tower edge, which lies outside the tower.
+      {14990, 5000, 90, 15000, 5000}, {5000, 1010, 180, 5000, 1000}, {5000, 14990, 0, 5000, 15000},
+      {3000, 2988, 0, 3000, 2998},    {3000, 5012, 180, 3000, 5002},  {4012, 4000, -90, 4002, 4000},
+      {5988, 4000, 90, 5998, 4000},   {8012, 4000, -90, 8002, 4000}};
   for (const auto& s : steps) {
     CPlayer walker;
     walker.SetCameraMode(CAM_MODE_1ST_PERSON);
