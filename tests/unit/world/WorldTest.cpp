@@ -295,7 +295,7 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
 
   // The sort moves a figure one place a frame, through all 250 slots; equal
   // heights (told apart by x) stay.
-  for (int i = 0; i < 250; ++i) t.m_figures[i] = {float(i), i < 3 ? float(i + 1) : i == 249 ? 5.0f : 0.0f};
+  for (int i = 0; i < 250; ++i) t.m_figures[i] = {float(i), i < 3 ? float(i + 1) : i == 249 ? 5.0f : 0.0f, 0, 0, 0, 0};
   t.SortFigures();
   EXPECT_TRUE(t.m_figures[0].m_y == 2 && t.m_figures[1].m_y == 3 && t.m_figures[2].m_y == 1);
   EXPECT_TRUE(t.m_figures[3].m_x == 3 && t.m_figures[248].m_y == 5);
