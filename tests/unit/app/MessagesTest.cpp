@@ -6,10 +6,12 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "device/D3DSettingsDlg.h"
 #include "platform/win32/Win32Dialogs.h"
 #include "platform/win32/script/Win32Script.h"
 #include "support/FakeDirect3D.h"
@@ -155,13 +157,43 @@ TEST_F(Messages, AFailedDeviceChangeShowsItsBoxAndQuitsBeforeTheNextFrame) {
   }
 }
 
+// Change Device: Cancel makes no device and changes nothing; OK makes one in the same window,
+// takes the menu off for full screen and brings it back for a window, and gives the new device
+// the render states. The player, where it stands, and its camera stay.
+TEST_F(Messages, ChangeDeviceCancelledChangesNothingAcceptedSetsTheMenuByModeAndKeepsThePlayer) {
+  d3d.deviceToCreate = &device;
+  app->m_settings.m_fullscreenSettings = app->m_settings.m_windowedSettings;
+  app->m_player.SetPosition(D3DXVECTOR3(4321, 900, 1234));
+  const D3DXVECTOR3 position = app->m_player.GetPosition();
+  const CCamera* camera = app->m_camera;
+  // The mode clicked in the dialog, the button that ends it, then the mode in force.
+  const struct { int mode, button; bool windowed; } runs[] = {
+      {IDC_FULLSCREEN, IDCANCEL, true}, {IDC_FULLSCREEN, IDOK, false}, {IDC_WINDOW, IDOK, true}};
+  for (const auto& run : runs) {
+    SCOPED_TRACE(&run - runs);
+    win32::script::SetDialogCallback([&](HWND dlg, std::uint32_t turn) {
+      return win32::UserClick(GetDlgItem(dlg, turn == 0 ? run.mode : run.button)), true;
+    });
+    const int created = d3d.Calls(FakeDirect3D::CALL_CreateDevice);
+    device.ClearLog();
+    Send(WM_COMMAND, 40009);
+    const bool accepted = run.button == IDOK;
+    EXPECT_EQ(d3d.Calls(FakeDirect3D::CALL_CreateDevice) - created, accepted ? 1 : 0);
+    EXPECT_EQ(app->m_settings.m_windowed, run.windowed);
+    EXPECT_EQ(GetMenu(hWnd), run.windowed ? app->m_hMenu : nullptr);
+    const karvo_test::DeviceCalls calls = device.Calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), karvo_test::RS(D3DRS_FILLMODE, D3DFILL_SOLID)) > 0, accepted);
+    EXPECT_TRUE(app->m_player.GetPosition() == position && app->m_camera == camera);
+  }
+}
+
 TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
   // Keys held, cursor motion while the left button holds the capture, and
-  // the turn in degrees that one frame makes of them.
-  const struct { std::initializer_list<BYTE> keys; int dx, dy; float pitch, yaw, roll; } rows[] = {
+  // the turn in degrees and the rise that one frame makes of them.
+  const struct { std::initializer_list<BYTE> keys; int dx, dy; float pitch, yaw, roll, rise = 0; } rows[] = {
       {{'A'}, 0, 0, 0.5f, 0, 0},     {{'Q'}, 0, 0, -0.5f, 0, 0}, {{VK_LEFT}, 0, 0, 0, -0.5f, 0},
       {{VK_RIGHT}, 0, 0, 0, 0.5f, 0}, {{}, 9, -6, -2.0f, 3.0f, 0}, {{VK_RBUTTON}, 9, -6, -2.0f, 0, -3.0f},
-      {{'S'}, 9, -6, 0, 0, 0},        {{'A', 'Q'}, 0, 0, 0, 0, 0}};
+      {{'S'}, 9, -6, 0, 0, 0, 2.5f},  {{'A', 'Q'}, 0, 0, 0, 0, 0}, {{'J'}, 0, 0, 0, 0, 0, 7.0f}};
   for (const auto& row : rows) {
     win32::script::Enable({.realWindows = false});
     win32::script::HoldKeys(0, row.keys);
@@ -170,9 +202,10 @@ TEST_F(Messages, ReadInputTurnsByEachBindingOfKeysAndMouse) {
     SetCapture(hWnd);
     QuitPosted();  // delivers the script
     const CPlayer& p = app->m_player;
-    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll();
-    app->ReadInput();
+    const float pitch = p.GetPitch(), yaw = p.GetYaw(), roll = p.GetRoll(), y = p.GetPosition().y;
+    app->ReadInput();  // on a timer that has not ticked: no physics, only the keys' own moves
     SCOPED_TRACE(&row - rows);
+    EXPECT_FLOAT_EQ(p.GetPosition().y - y, row.rise);
     EXPECT_FLOAT_EQ(p.GetPitch() - pitch, row.pitch);
     EXPECT_FLOAT_EQ(p.GetYaw() - yaw, row.yaw);
     EXPECT_FLOAT_EQ(p.GetRoll() - roll, row.roll);

@@ -16,6 +16,7 @@ TEST(Timer, MeanRateAndRateTextAfterRunsOfFramesFromAFreshTimer) {
   using Runs = std::vector<std::pair<double, int>>;  // frame length, count
   const struct { Runs runs; float elapsed; unsigned rate; } cases[] = {
       {{{1.5, 1}}, 0.0f, 0},  // the first tick after a long start is not recorded
+      {{{1.0, 1}}, 0.0f, 0},  {{{0.999, 1}}, 0.999f, 0},  // a full second from the mean is out
       {{{1.5, 1}, {0.02, 1}}, 0.02f, 0},
       {{{1.5, 5}}, 0.0f, 0},  // with nothing recorded the rate stays 0
       {{{0.02, 1}, {2.0, 1}}, 0.02f, 0},  // a stall stays out of the mean...

@@ -173,7 +173,8 @@ TEST_F(SoundRules, ZoneTestIsStrictAndIgnoresHeightAndAMissingRemarkKeepsItDrawi
   const struct { float x, y, z; bool inZone; } cases[] = {
       {1800.0f, kDeep, 4000.0f, false}, {1800.5f, kDeep, 4000.0f, true}, {8199.5f, kDeep, 4000.0f, true},
       {8200.0f, kDeep, 4000.0f, false}, {3000.0f, kDeep, 2800.0f, false}, {3000.0f, kDeep, 2800.5f, true},
-      {7000.0f, kDeep, 5200.0f, false}, {3000.0f, 20000.0f, 4000.0f, true}};
+      {7000.0f, kDeep, 5200.0f, false}, {4199.5f, kDeep, 4000.0f, true},  {4200.0f, kDeep, 4000.0f, false},
+      {5800.0f, kDeep, 4000.0f, false}, {5800.5f, kDeep, 4000.0f, true},  {3000.0f, 20000.0f, 4000.0f, true}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.x << ", " << c.y << ", " << c.z);
     Seed(2024);

@@ -46,7 +46,11 @@ TEST_F(Player, AStepIsATenthAlongTheLookAndStopsAtLimitsTowersAndTheBigTree) {
       {14995, 14995, 45, 14995, 14995},
       {1988, 3500, 90, 1998, 3500}, {1989, 3500, 90, 1989, 3500},  // onto 1998: outside the first tower; 1999: refused
       {6010, 2990, 0, 6010, 2990},   // z 3000 in the second
-      {1500, 6860, 0, 1500, 6870}, {1500, 6861, 0, 1500, 6861}};  // exactly 130 from the big tree is allowed
+      {1500, 6860, 0, 1500, 6870}, {1500, 6861, 0, 1500, 6861},  // exactly 130 from the big tree is allowed
+      // Onto the map's other edges, and onto each tower edge, which lies outside the tower.
+      {14990, 5000, 90, 15000, 5000}, {5000, 1010, 180, 5000, 1000}, {5000, 14990, 0, 5000, 15000},
+      {3000, 2988, 0, 3000, 2998},    {3000, 5012, 180, 3000, 5002},  {4012, 4000, -90, 4002, 4000},
+      {5988, 4000, 90, 5998, 4000},   {8012, 4000, -90, 8002, 4000}};
   for (const auto& s : steps) {
     CPlayer walker;
     walker.SetCameraMode(CAM_MODE_1ST_PERSON);
@@ -72,20 +76,26 @@ TEST_F(Player, SLiftsOnlyBelow872AlsoWithoutADirection) {
   }
 }
 
-TEST_F(Player, PitchAndRollAreTrimmedYawWraps) {
-  player.Rotate(80.0f, 0.0f, 0.0f);
-  player.Rotate(20.0f, 0.0f, 0.0f);
-  EXPECT_EQ(player.GetPitch(), 89.0f);
-  // The camera turned by the 9 degrees that fit; the body stays upright.
-  EXPECT_NEAR(player.GetCamera()->GetLook().y, -std::sin(89.0f * 0.0174532924f), 1e-4f);
-  ExpectVec(player.GetUp(), 0, 1, 0);
-  player.Rotate(0.0f, 0.0f, -25.0f);
-  EXPECT_EQ(player.GetRoll(), -20.0f);
-  player.Rotate(0.0f, 350.0f, 0.0f);
-  player.Rotate(0.0f, 20.0f, 0.0f);
-  EXPECT_EQ(player.GetYaw(), 10.0f);
-  player.Rotate(0.0f, 350.0f, 0.0f);
-  EXPECT_EQ(player.GetYaw(), 360.0f);
+TEST_F(Player, PitchAndRollStopAtTheirLimitsOnBothSidesTheCameraTakesWhatFitsYawWrapsPast360AndBelow0) {
+  // Two turns (pitch, yaw, roll each), then the angles they leave. The camera
+  // turns only by the share that fits, seen in its look (pitch) and right (roll)
+  // axes; the body stays upright.
+  const struct { float first[3], second[3], pitch, yaw, roll; } turns[] = {
+      {{80, 0, 0}, {20, 0, 0}, 89, 0, 0},  {{-80, 0, 0}, {-20, 0, 0}, -89, 0, 0},
+      {{0, 0, 15}, {0, 0, 10}, 0, 0, 20},  {{0, 0, -15}, {0, 0, -10}, 0, 0, -20},
+      {{0, 350, 0}, {0, 20, 0}, 0, 10, 0}, {{0, 350, 0}, {0, 10, 0}, 0, 360, 0},  // exactly 360 stays
+      {{0, 10, 0}, {0, -10, 0}, 0, 0, 0},  {{0, 10, 0}, {0, -20, 0}, 0, 350, 0}};
+  for (const auto& t : turns) {
+    CPlayer turner;
+    turner.SetCameraMode(CAM_MODE_1ST_PERSON);
+    turner.Rotate(t.first[0], t.first[1], t.first[2]);
+    turner.Rotate(t.second[0], t.second[1], t.second[2]);
+    SCOPED_TRACE(&t - turns);
+    EXPECT_TRUE(turner.GetPitch() == t.pitch && turner.GetYaw() == t.yaw && turner.GetRoll() == t.roll);
+    EXPECT_NEAR(turner.GetCamera()->GetLook().y, -std::sin(t.pitch * 0.0174532924f), 1e-4f);
+    EXPECT_NEAR(turner.GetCamera()->GetRight().y, std::sin(t.roll * 0.0174532924f), 1e-4f);
+    ExpectVec(turner.GetUp(), 0, 1, 0);
+  }
 }
 
 TEST_F(Player, UpdateCutsSpeedsKeepingSignsThenFriction) {

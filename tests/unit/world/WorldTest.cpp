@@ -256,6 +256,11 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
   EXPECT_EQ(angles[9], 2.9999998f);     // ten steps stay below 3.0 ...
   EXPECT_NEAR(angles[10], 3.3f, 1e-5);  // ... so an eleventh is taken
   for (int i = 0; i < 56; ++i) EXPECT_NEAR(angles[i + 44], angles[i], 1e-5) << i;
+  for (const float edge : {3.0f, -3.0f}) {  // exactly at a limit: no step, but the turn
+    t.m_wingAngle = edge, t.m_wingDirection = edge > 0 ? 1 : 2;
+    t.UpdateWings();
+    EXPECT_TRUE(t.m_wingAngle == edge && t.m_wingDirection == (edge > 0 ? 2 : 1)) << edge;
+  }
 
   // x, z, heading, target before and after; heading 0 flies towards -z. Last the seed: 41 % 200
   // of seed 1 is no random turn, 655 % 200 of seed 189 is one, to its next draw 7552 % 360.
@@ -266,6 +271,12 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
       {0, 500, 10, 11, -17.36f, 401.52f, 11, 11, 1},   // up 3, down 3, then snapped
       {0, 500, 350, 10, 17.383f, 401.52f, 347, 10, 1},  // the long way, down
       {0, 500, 0, 0, 0, 400, 3, 352, 189},             // a random turn
+      {0, 500, 0, 6, 0, 400, 3, 6, 1},                 // 3 short of the target: no snap yet
+      {69900, 500, 270, 270, 70000, 500, 267, 90, 1},  // a step onto the airspace's edge is taken
+      {-49900, 500, 90, 90, -50000, 500, 93, 270, 1},
+      {-48000, 0, 0, 0, -48000, -100, 0, 0, 1},       {-48000.1f, 0, 0, 0, -48000.1f, -100, 3, 270, 1},
+      {0, -47900, 0, 0, 0, -48000, 0, 0, 1},          {0, -47900.1f, 0, 0, 0, -48000.1f, 3, 180, 1},
+      {0, 67900, 180, 180, 0, 68000, 180, 180, 1},    {0, 67900.1f, 180, 180, 0, 68000.1f, 177, 0, 1},
   };
   for (const auto& c : cases) {
     t.m_figures[0] = {c[0], 30000.0f, c[1], c[2], 150.0f, c[3]};
@@ -277,10 +288,17 @@ TEST_F(WorldDraw, WingsBeatPastThreeEveryFortyFourFramesAndFiguresTurnThreeDegre
     EXPECT_TRUE(f.m_heading == c[6] && f.m_targetHeading == c[7]) << c[0] << " " << c[2];
   }
 
-  // The sort moves a figure one place a frame.
-  for (int i = 0; i < 3; ++i) t.m_figures[i].m_y = float(i + 1);
+  // Slots 0 to 99 fly, no more.
+  t.m_figures[99] = t.m_figures[100] = {0, 30000.0f, 500, 0, 150.0f, 0};
+  t.UpdateFigures();
+  EXPECT_TRUE(t.m_figures[99].m_z == 400 && t.m_figures[100].m_z == 500);
+
+  // The sort moves a figure one place a frame, through all 250 slots; equal
+  // heights (told apart by x) stay.
+  for (int i = 0; i < 250; ++i) t.m_figures[i] = {float(i), i < 3 ? float(i + 1) : i == 249 ? 5.0f : 0.0f, 0, 0, 0, 0};
   t.SortFigures();
   EXPECT_TRUE(t.m_figures[0].m_y == 2 && t.m_figures[1].m_y == 3 && t.m_figures[2].m_y == 1);
+  EXPECT_TRUE(t.m_figures[3].m_x == 3 && t.m_figures[248].m_y == 5);
 }
 
 // ---- the sea ----------------------------------------------------------------------
