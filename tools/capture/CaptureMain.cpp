@@ -228,6 +228,7 @@ int main(int argc, char** argv) {
       options.LastFrame() + 1;  // one more, so the last asked frame is read at a boundary
   win32::script::Enable(script);
   d3d9gl::UsePlainPath(options.plain);
+  d3d9gl::OfferDepth32(!options.depth24);
   for (std::uint32_t command : options.commands) win32::script::Command(0, command);
   ScheduleKeys(options);
   win32::script::SetFrameCallback(OnFrameBoundary);

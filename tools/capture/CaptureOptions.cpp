@@ -165,6 +165,7 @@ const char* CaptureUsage() {
          "  --place X,Y,Z        put the walker there before the first frame\n"
          "  --look YAW,PITCH     turn the walker so, in degrees (pitch below 0 looks up)\n"
          "  --plain              draw every call in order as it comes (the reference path)\n"
+         "  --depth24            offer no 32-bit depth buffer: the program takes a 24-bit one\n"
          "  --rain-off N         switch the rain off before frame N\n"
          "  --out DIR            folder for the files (default .)\n"
          "  --assets DIR         the assets folder to run in (default: the working directory)\n"
@@ -194,6 +195,10 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
     }
     if (arg == "--plain") {
       options.plain = true;
+      continue;
+    }
+    if (arg == "--depth24") {
+      options.depth24 = true;
       continue;
     }
     // Every other option takes one value.

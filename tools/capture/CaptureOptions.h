@@ -29,6 +29,7 @@ struct CaptureOptions {
   bool look = false;  // turn the walker to lookAt (yaw, pitch in degrees) before frame 1
   float lookAt[2] = {0.0f, 0.0f};
   bool plain = false;  // the GL back end's plain path, which the fast one must match
+  bool depth24 = false;  // no 32-bit depth buffer offered, so the program takes a 24-bit one
   std::uint32_t rainOffFrame = 0;  // the rain is switched off before this frame; 0: never
   bool help = false;
 

@@ -52,6 +52,12 @@ void UseSlotTests(IDirect3DDevice9* device);
 // against (benchmarks).
 void UsePlainPath(bool plain);
 
+// With OfferDepth32(false) CheckDeviceFormat refuses D3DFMT_D32 as a depth
+// buffer, so that a program which takes the first depth format it is offered
+// takes a 24-bit one, the only kind that the background draws are held back
+// on (tests and benchmarks).
+void OfferDepth32(bool offer);
+
 // Counters of the GL work done, for benchmarks and tests.
 struct FrameStats {
   std::uint32_t glDrawCalls = 0;          // GL draw calls since the last Present

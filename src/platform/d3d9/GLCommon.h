@@ -74,6 +74,8 @@ class GLCore {
 SDL_Window* SdlWindowOf(HWND hWnd);
 // Whether frames begun from now on take the plain path (UsePlainPath).
 bool PlainPath();
+// Whether D3DFMT_D32 is offered as a depth format (OfferDepth32).
+bool Depth32Offered();
 
 struct ClientArea {
   int x = 0, y = 0, width = 0, height = 0;

@@ -12,9 +12,9 @@
 // The picture is exactly the one of drawing in order: a pixel that a later
 // opaque draw wrote shows that draw either way, since it overwrote the
 // background; any other pixel was left alone by those draws, depth included,
-// so the background passes or fails there as it did first. The depth buffer
-// gets its stencil twin with the same depth precision (24-bit or 32-bit
-// float); a 16-bit depth buffer has none and is drawn in order.
+// so the background passes or fails there as it did first. The stencil lives
+// in the spare 8 bits of a 24-bit depth buffer; a 16-bit or 32-bit float one
+// has none to spare (DepthStencilTwin) and is drawn in order.
 #include <algorithm>
 #include <cstring>
 #include <utility>

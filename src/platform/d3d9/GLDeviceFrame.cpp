@@ -515,11 +515,16 @@ void Flush(IDirect3DDevice9* device) {
 
 namespace {
 bool s_plainPath = false;
-}
+bool s_offerDepth32 = true;
+}  // namespace
 
 void UsePlainPath(bool plain) { s_plainPath = plain; }
 
 bool PlainPath() { return s_plainPath; }
+
+void OfferDepth32(bool offer) { s_offerDepth32 = offer; }
+
+bool Depth32Offered() { return s_offerDepth32; }
 
 void SetPresentHook(PresentHook hook, void* user) {
   s_presentHook = hook ? hook : &DrawOverlay;

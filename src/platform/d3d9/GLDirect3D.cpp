@@ -108,7 +108,9 @@ class GLDirect3D final : public IDirect3D9 {
     if (FAILED(hr)) return hr;
     if (!AdapterHasFormat(adapter, adapterFormat)) return D3DERR_NOTAVAILABLE;
     if (usage & D3DUSAGE_DEPTHSTENCIL)
-      return rtype == D3DRTYPE_SURFACE && DepthInternalFormat(format) ? D3D_OK : D3DERR_NOTAVAILABLE;
+      return rtype == D3DRTYPE_SURFACE && DepthInternalFormat(format) && (format != D3DFMT_D32 || Depth32Offered())
+                 ? D3D_OK
+                 : D3DERR_NOTAVAILABLE;
     if (usage & D3DUSAGE_RENDERTARGET)
       return rtype == D3DRTYPE_SURFACE && BackBufferInternalFormat(format) ? D3D_OK : D3DERR_NOTAVAILABLE;
     if (rtype == D3DRTYPE_TEXTURE) return FindTextureFormat(format) ? D3D_OK : D3DERR_NOTAVAILABLE;

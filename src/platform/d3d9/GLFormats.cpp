@@ -67,9 +67,12 @@ GLenum DepthInternalFormat(D3DFORMAT format) {
 GLenum DepthStencilTwin(D3DFORMAT format) {
   switch (format) {
     case D3DFMT_D24X8:
-    case D3DFMT_D24S8: return GL_DEPTH24_STENCIL8;
-    case D3DFMT_D32: return GL_DEPTH32F_STENCIL8;
-    default: return 0;  // D16: packed only with 24 bits of depth
+    case D3DFMT_D24S8: return GL_DEPTH24_STENCIL8;  // the same 32 bits a pixel
+    // A 32-bit float depth gets its stencil only at 8 bytes a pixel. On
+    // software GL that cost as much frame time as the stencil saved (10% more
+    // under a sky that fills the view, 3.3 MB more at 1200 x 681), so D32
+    // keeps its own format; D16 has no packed twin at all.
+    default: return 0;
   }
 }
 

@@ -28,8 +28,8 @@ UINT LevelRows(const TextureFormat& f, UINT height);
 GLenum BackBufferInternalFormat(D3DFORMAT format);
 // Depth renderbuffer format of a depth format; 0 when not supported.
 GLenum DepthInternalFormat(D3DFORMAT format);
-// The same depth precision with an 8-bit stencil beside it, for the back
-// end's own use of the stencil; 0 where the format has no such twin.
+// The same depth precision with an 8-bit stencil beside it at no extra size,
+// for the back end's own use of the stencil; 0 where there is no such twin.
 GLenum DepthStencilTwin(D3DFORMAT format);
 // Display formats of modes: 32/24-bit, 16-bit and 15-bit desktops.
 bool IsDisplayFormat(D3DFORMAT format);
