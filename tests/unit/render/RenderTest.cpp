@@ -110,11 +110,12 @@ TEST_F(RenderStates, MissingFilterIsReplacedByTheBestNotTheNearest) {
 }
 
 TEST_F(RenderStates, ColourOpFallsBackInMenuOrderAndFailsWithNone) {
-  caps.TextureOpCaps = D3DTEXOPCAPS_SUBTRACT | D3DTEXOPCAPS_ADD | D3DTEXOPCAPS_MODULATE;
+  caps.TextureOpCaps = D3DTEXOPCAPS_SUBTRACT | D3DTEXOPCAPS_ADD | D3DTEXOPCAPS_MODULATE | D3DTEXOPCAPS_ADDSIGNED2X |
+                       D3DTEXOPCAPS_MODULATE4X;
   ASSERT_TRUE(app->ValidateRenderOptions());
   app->UpdateMenuChecks();
   EXPECT_EQ(app->m_colorOp, D3DTOP_MODULATE);  // before Add, though Add's value is higher
-  EXPECT_EQ(app.Greyed(40024, 40030), "1100011");
+  EXPECT_EQ(app.Greyed(40024, 40030), "1000010");  // each entry by its own capability, 2X apart from 4X
 
   app->m_colorOp = D3DTOP_SUBTRACT;  // supported: kept
   ASSERT_TRUE(app->ValidateRenderOptions());
@@ -157,6 +158,8 @@ TEST_F(RenderStates, FailedValidationLeavesTheDeviceAlone) {
   app->ApplyRenderStates();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // no box for a caps failure
   EXPECT_TRUE(device.Calls().empty());
+  MSG quit;
+  EXPECT_TRUE(PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the run goes on without its states";
 }
 
 // ---- ApplyRenderStates --------------------------------------------------------------
@@ -174,15 +177,28 @@ TEST_F(RenderStates, StageOneBlendsTheDetailInOnePassAndIsOffInTwo) {
   app->m_colorOp = D3DTOP_MODULATE2X;
   app->m_mipFilter = D3DTEXF_POINT;
   app->m_maxAnisotropy = 4;
+  app->m_minFilter = D3DTEXF_POINT;  // each sampler value from its own option
   app->ApplyRenderStates();
   EXPECT_EQ(device.StageState(1, D3DTSS_COLOROP), DWORD(D3DTOP_MODULATE2X));
   EXPECT_EQ(device.StageState(1, D3DTSS_TEXCOORDINDEX), 1u);
   for (DWORD stage : {0u, 1u}) {
+    EXPECT_EQ(device.SamplerState(stage, D3DSAMP_MINFILTER), DWORD(D3DTEXF_POINT));
+    EXPECT_EQ(device.SamplerState(stage, D3DSAMP_MAGFILTER), DWORD(D3DTEXF_LINEAR));
     EXPECT_EQ(device.SamplerState(stage, D3DSAMP_MIPFILTER), DWORD(D3DTEXF_POINT));
     EXPECT_EQ(device.SamplerState(stage, D3DSAMP_MAXANISOTROPY), 4u);
   }
   EXPECT_EQ(device.RenderState(D3DRS_FILLMODE), DWORD(D3DFILL_WIREFRAME));
   EXPECT_TRUE(app->m_terrain.m_singlePass);
+  // The base every drawer starts from: depth tested, dithered, Gouraud, counter-clockwise culling, unlit;
+  // stage 0 shows the ground's texture as it is, stage 1 lays the detail over that.
+  const std::pair<D3DRENDERSTATETYPE, DWORD> base[] = {{D3DRS_ZENABLE, D3DZB_TRUE}, {D3DRS_DITHERENABLE, TRUE},
+      {D3DRS_SHADEMODE, D3DSHADE_GOURAUD}, {D3DRS_CULLMODE, D3DCULL_CCW}, {D3DRS_LIGHTING, FALSE}};
+  for (const auto& [state, value] : base) EXPECT_EQ(device.RenderState(state), value) << state;
+  EXPECT_TRUE(device.StageState(0, D3DTSS_COLORARG1) == D3DTA_TEXTURE &&
+              device.StageState(0, D3DTSS_COLOROP) == D3DTOP_SELECTARG1 &&
+              device.StageState(0, D3DTSS_TEXCOORDINDEX) == 0);
+  EXPECT_TRUE(device.StageState(1, D3DTSS_COLORARG1) == D3DTA_CURRENT &&
+              device.StageState(1, D3DTSS_COLORARG2) == D3DTA_TEXTURE);
 }
 
 TEST_F(RenderStates, CameraGetsViewAndProjectionAndTheMenuItsMarks) {
@@ -231,14 +247,20 @@ TEST_F(Boxes, SkyBoxDrawsSixFacesAroundTheCameraAndRestores) {
             (Calls{RS(D3DRS_LIGHTING, FALSE), RS(D3DRS_ZWRITEENABLE, FALSE), RS(D3DRS_ZWRITEENABLE, TRUE)}));
   EXPECT_EQ(device.SamplerState(0, D3DSAMP_ADDRESSU), DWORD(D3DTADDRESS_WRAP));
   EXPECT_EQ(device.SamplerState(0, D3DSAMP_ADDRESSV), DWORD(D3DTADDRESS_WRAP));
-  EXPECT_EQ(device.Count("SetSamplerState"), 4u);
+  const auto address = [](DWORD mode) {
+    return Calls{{"SetSamplerState", {0, D3DSAMP_ADDRESSU, double(mode)}},
+                 {"SetSamplerState", {0, D3DSAMP_ADDRESSV, double(mode)}}};
+  };
+  EXPECT_EQ(device.CallsNamed("SetSamplerState"), address(D3DTADDRESS_CLAMP) + address(D3DTADDRESS_WRAP));
   const Calls draws = device.CallsNamed("DrawIndexedPrimitive"), textures = device.CallsNamed("SetTexture");
   ASSERT_EQ(draws.size(), 6u);
   for (int face = 0; face < 6; ++face) {
     EXPECT_EQ(draws[face].args, (std::vector<double>{D3DPT_TRIANGLESTRIP, 0, 0, 24, double(face * 4), 2}));
     EXPECT_EQ(textures[face].args[1], Ptr(app->m_skyTextures[face])) << face;
   }
-  EXPECT_EQ(device.StageState(1, D3DTSS_COLOROP), DWORD(D3DTOP_MODULATE));
+  // Stage 1 is off while the faces draw, so the detail is not laid over the sky.
+  EXPECT_EQ(device.CallsNamed("SetTextureStageState"),
+            (Calls{Tss(1, D3DTSS_COLOROP, D3DTOP_DISABLE), Tss(1, D3DTSS_COLOROP, D3DTOP_MODULATE)}));
 
   // Two passes: stage 1 is off already and stays off.
   app->m_singlePass = false;
