@@ -84,8 +84,8 @@ FAULTS = [
       "(0, D3DSAMP_MINFILTER, m_magFilter)", "option mixed up"),
     F("render-op-cap-4x", "src/app/GameAppRenderStates.cpp", "{ID_OP_MODULATE4X, D3DTEXOPCAPS_MODULATE4X,",
       "{ID_OP_MODULATE4X, D3DTEXOPCAPS_MODULATE2X,", "capability mixed up"),
-    F("sky-clamp", "src/app/GameAppSkyBox.cpp", "D3DSAMP_ADDRESSU, D3DTADDRESS_CLAMP", "D3DSAMP_ADDRESSU, D3DTADDRESS_WRAP",
-      "state not set"),
+    F("sky-clamp", "src/app/GameAppSkyBox.cpp", "D3DSAMP_ADDRESSU, D3DTADDRESS_CLAMP",
+      "D3DSAMP_ADDRESSU, D3DTADDRESS_WRAP", "state not set"),
     F("sky-stage1-off", "src/app/GameAppSkyBox.cpp",
       "  if (m_singlePass) m_device->SetTextureStageState(1, D3DTSS_COLOROP, D3DTOP_DISABLE);\n", "", "call dropped"),
 
@@ -194,6 +194,8 @@ FAULTS = [
       "condition changed"),
     F("overlay-arg-restore", "src/view/CameraWaterOverlay.cpp",
       "    device->SetTextureStageState(0, D3DTSS_COLORARG1, D3DTA_TEXTURE);\n", "", "state restore skipped"),
+    F("overlay-blend-off", "src/view/CameraWaterOverlay.cpp",
+      "    device->SetRenderState(D3DRS_ALPHABLENDENABLE, FALSE);\n", "", "state restore skipped"),
     F("chase-lag", "src/view/Cam3rdPerson.cpp", "(1.0f / lag) * timeScale", "lag * timeScale", "timer arithmetic"),
 
     F("rain-fall-per-frame", "src/world/Rain.cpp", "= 16.0f;", "= 15.0f;", "constant changed"),
