@@ -393,9 +393,11 @@ TEST_F(Water, OverlayMapsTheViewportWithWholeHalvesAndTintsAllOfADiverLookingDow
     if (fan.empty()) continue;
     EXPECT_TRUE(fan[0].m_x == c.left && fan[0].m_y == 50.0f && fan[2].m_x == c.right && fan[2].m_y == 530.0f);
     EXPECT_EQ(fan[0].m_diffuse, c.tint);
-    // The tint's colour is the colour word's alone, and stage 0 takes its texture again afterwards.
-    EXPECT_EQ(device.CallsNamed("SetTextureStageState"),
-              (Calls{Tss(0, D3DTSS_COLORARG1, D3DTA_DIFFUSE), Tss(0, D3DTSS_COLORARG1, D3DTA_TEXTURE)}));
+    // The tint's colour is the colour word's alone, blended; then blending off and stage 0's texture back.
+    EXPECT_EQ(device.Calls(), (Calls{RS(D3DRS_ZWRITEENABLE, FALSE), Tss(0, D3DTSS_COLORARG1, D3DTA_DIFFUSE),
+                                     RS(D3DRS_ALPHABLENDENABLE, TRUE), {"SetFVF", {0x44}},
+                                     {"DrawPrimitiveUP", {D3DPT_TRIANGLEFAN, 2, 20}}, RS(D3DRS_ALPHABLENDENABLE, FALSE),
+                                     Tss(0, D3DTSS_COLORARG1, D3DTA_TEXTURE), RS(D3DRS_ZWRITEENABLE, TRUE)}));
   }
 }
 
