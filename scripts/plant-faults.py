@@ -88,6 +88,10 @@ FAULTS = [
       "D3DSAMP_ADDRESSU, D3DTADDRESS_WRAP", "state not set"),
     F("sky-stage1-off", "src/app/GameAppSkyBox.cpp",
       "  if (m_singlePass) m_device->SetTextureStageState(1, D3DTSS_COLOROP, D3DTOP_DISABLE);\n", "", "call dropped"),
+    F("sky-face-files", "src/app/GameAppSkyBox.cpp", '"Data\\\\SkyBox_Left.jpg",\n    "Data\\\\SkyBox_Right.jpg",',
+      '"Data\\\\SkyBox_Right.jpg",\n    "Data\\\\SkyBox_Left.jpg",', "file order swapped"),
+    F("sky-stop-at-failure", "src/app/GameAppSkyBox.cpp", "    combined |= D3DXCreateTextureFromFileA",
+      "    if (FAILED(combined)) break;\n    combined |= D3DXCreateTextureFromFileA", "loop ends early"),
 
     F("refresh-floor", "src/device/MyD3DInit.cpp", "RefreshRate >= 60", "RefreshRate > 60", "comparison made strict"),
     F("display-format-order", "src/device/D3DInitialize.cpp", "D3DFMT_X1R5G5B5, D3DFMT_R5G6B5}",
