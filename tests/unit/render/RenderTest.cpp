@@ -14,12 +14,16 @@
 // linear/anisotropic, 40039-45 anisotropy 1 to 64.
 #include <gtest/gtest.h>
 
+#include <stb/stb_image_write.h>
+
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "AppUnderTest.h"
 #include "support/FakeDirect3D.h"
 #include "support/RecordingDevice.h"
+#include "support/WorkDir.h"
 #include "terrain/Vertex.h"
 #include "view/Cam1stPerson.h"
 
@@ -273,6 +277,27 @@ TEST_F(Boxes, SkyBoxDrawsSixFacesAroundTheCameraAndRestores) {
   device.ClearLog();
   app->RenderSkyBox();
   EXPECT_TRUE(device.Calls().empty());
+}
+
+TEST_F(Boxes, EachSkyFaceLoadsItsOwnImageAndAllSixAreTriedAfterAFailure) {
+  // Face i's image is 2^i pixels wide; Left's is missing, which fails the build and stops no other face.
+  const std::filesystem::path home = std::filesystem::current_path();
+  const std::filesystem::path folder = test_support::WorkDir("karvo_sky_", "keep");
+  std::filesystem::create_directories(folder / "Data");
+  const char* const faces[] = {"Front", "Back", "Left", "Right", "Top", "Bottom"};
+  const std::string pixels(3u << 5, 'x');
+  for (int i = 0; i < 6; ++i) {
+    const std::string file = (folder / "Data" / (std::string("SkyBox_") + faces[i] + ".jpg")).string();
+    EXPECT_TRUE(i == 2 || stbi_write_png(file.c_str(), 1 << i, 1, 3, pixels.data(), 3 << i)) << file;
+  }
+  std::filesystem::current_path(folder);
+  EXPECT_FALSE(app->BuildSkyBox());
+  std::filesystem::current_path(home);
+  for (int i = 0; i < 6; ++i) {
+    D3DSURFACE_DESC desc{};
+    if (app->m_skyTextures[i] != nullptr) app->m_skyTextures[i]->GetLevelDesc(0, &desc);
+    EXPECT_EQ(desc.Width, i == 2 ? 0u : 1u << i) << faces[i];
+  }
 }
 
 // ---- body box ----------------------------------------------------------------------
