@@ -94,6 +94,7 @@ FAULTS = [
       "    if (FAILED(combined)) break;\n    combined |= D3DXCreateTextureFromFileA", "loop ends early"),
 
     F("refresh-floor", "src/device/MyD3DInit.cpp", "RefreshRate >= 60", "RefreshRate > 60", "comparison made strict"),
+    F("mixed-vp-offered", "src/device/MyD3DInit.cpp", "return type != MIXED_VP;", "return true;", "hook dropped"),
     F("display-format-order", "src/device/D3DInitialize.cpp", "D3DFMT_X1R5G5B5, D3DFMT_R5G6B5}",
       "D3DFMT_R5G6B5, D3DFMT_X1R5G5B5}", "enumeration order changed"),
     F("cancel-gives-ok", "src/device/D3DSettingsDlg.cpp", "EndDialog(hDlg, IDCANCEL);", "EndDialog(hDlg, IDOK);",
