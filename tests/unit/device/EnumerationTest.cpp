@@ -105,6 +105,8 @@ TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrde
       EXPECT_EQ(option.m_backBufferFormat, table[i / 2]);
       EXPECT_EQ(option.m_windowed, i % 2 == 1) << "full screen first";
       EXPECT_EQ(option.m_depthFormats, depths);
+      // Hardware before software; mixed never, as the renderer would not use it.
+      EXPECT_EQ(option.m_vertexProcessingTypes, (std::vector{HARDWARE_VP, SOFTWARE_VP}));
     }
   }
 
