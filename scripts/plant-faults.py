@@ -51,6 +51,8 @@ FAULTS = [
     F("device-creation-quit", "src/app/GameAppDevice.cpp",
       "    PostQuitMessage(0);\n    return;\n  }\n  m_device", "    return;\n  }\n  m_device", "quit not posted"),
     F("strafe-keys", "src/app/GameAppInput.cpp", "|= MOVE_LEFT;", "|= MOVE_RIGHT;", "key mapping swapped"),
+    F("sounds-before-first-step", "src/app/GameAppInput.cpp", "  if (m_playerHasMoved != 0) RunSoundEvents(",
+      "  RunSoundEvents(", "condition dropped"),
     F("jump-lift", "src/app/GameAppInput.cpp", "JUMP_LIFT = 7.0f;", "JUMP_LIFT = 6.0f;", "constant changed"),
     F("swim-band-edge", "src/app/GameAppSound.cpp", "water = y >= kDeepBelow", "water = y > kDeepBelow",
       "comparison made strict"),
