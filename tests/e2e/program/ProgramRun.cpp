@@ -81,7 +81,6 @@ void ProgramRun::Run() {
   win32::script::SetFrameCallback(nullptr);
   if (frames.empty()) problems.push_back("no frame ran: the start failed");
   framesStarted = win32::script::FramesStarted();
-  finalPosition = g_App.m_player.GetPosition();
   deviceReleased = g_App.m_device == nullptr;
   direct3DReleased = g_App.m_d3d == nullptr;
   windowHandleCleared = g_App.m_hWnd == nullptr;
@@ -105,7 +104,7 @@ void ProgramRun::Record(std::uint32_t frame) {
   const CPlayer& p = g_App.m_player;
   char title[256] = {};
   GetWindowTextA(g_App.m_hWnd, title, sizeof title);
-  const FrameRecord record{frame, p.GetPosition(), p.GetVelocity(), p.GetGravity(), p.GetFriction(),
+  const FrameRecord record{frame, p.GetPosition(), p.GetGravity(), p.GetFriction(),
                            p.GetMaxVelocityXZ(), p.GetMaxVelocityY(), g_App.m_timer.GetTimeElapsed(),
                            GroundAt(p.GetPosition().x, p.GetPosition().z),
                            g_App.m_deviceLost, Presents(), g_App.m_timer.GetFrameRate(nullptr), title};

@@ -45,7 +45,7 @@ constexpr float kWaterLevel = 864.0f;
 // What the program's state was at the boundary before a frame ran.
 struct FrameRecord {
   std::uint32_t frame = 0;  // the frame about to run
-  D3DXVECTOR3 position, velocity, gravity;
+  D3DXVECTOR3 position, gravity;
   float friction = 0.0f, maxVelocityXZ = 0.0f, maxVelocityY = 0.0f;
   float timeElapsed = 0.0f;
   float ground = 0.0f;  // GetHeight under the body, with the row's parity
@@ -85,7 +85,6 @@ class ProgramRun {
   std::uint32_t escapeFrame = 0;    // Escape went down before this frame
   std::uint32_t framesStarted = 0;  // frame boundaries the script saw
   int exitCode = -1;
-  D3DXVECTOR3 finalPosition;
   std::vector<std::string> problems;  // what kept the script from its plan
 
   // ---- after WinMain returned ----
