@@ -53,6 +53,7 @@ FAULTS = [
     F("strafe-keys", "src/app/GameAppInput.cpp", "|= MOVE_LEFT;", "|= MOVE_RIGHT;", "key mapping swapped"),
     F("sounds-before-first-step", "src/app/GameAppInput.cpp", "  if (m_playerHasMoved != 0) RunSoundEvents(",
       "  RunSoundEvents(", "condition dropped"),
+    F("step-scale", "src/app/GameAppInput.cpp", "STEP_SCALE = 500.0f;", "STEP_SCALE = 480.0f;", "constant changed"),
     F("jump-lift", "src/app/GameAppInput.cpp", "JUMP_LIFT = 7.0f;", "JUMP_LIFT = 6.0f;", "constant changed"),
     F("swim-band-edge", "src/app/GameAppSound.cpp", "water = y >= kDeepBelow", "water = y > kDeepBelow",
       "comparison made strict"),

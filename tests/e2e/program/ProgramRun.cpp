@@ -105,7 +105,7 @@ void ProgramRun::Record(std::uint32_t frame) {
   char title[256] = {};
   GetWindowTextA(g_App.m_hWnd, title, sizeof title);
   const FrameRecord record{frame, p.GetPosition(), p.GetGravity(), p.GetFriction(),
-                           p.GetMaxVelocityXZ(), p.GetMaxVelocityY(), g_App.m_timer.GetTimeElapsed(),
+                           p.GetMaxVelocityXZ(), p.GetMaxVelocityY(),
                            GroundAt(p.GetPosition().x, p.GetPosition().z),
                            g_App.m_deviceLost, Presents(), g_App.m_timer.GetFrameRate(nullptr), title};
   if (frame == 0) startTitle = record.title;

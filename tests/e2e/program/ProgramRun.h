@@ -47,7 +47,6 @@ struct FrameRecord {
   std::uint32_t frame = 0;  // the frame about to run
   D3DXVECTOR3 position, gravity;
   float friction = 0.0f, maxVelocityXZ = 0.0f, maxVelocityY = 0.0f;
-  float timeElapsed = 0.0f;
   float ground = 0.0f;  // GetHeight under the body, with the row's parity
   bool deviceLost = false;
   std::uint32_t presents = 0, frameRate = 0;  // presents: successful Present calls so far
