@@ -5,7 +5,6 @@
 
 #include "app/GameApp.h"
 #include "platform/d3d9/D3D9GLBackend.h"
-#include "platform/win32/Win32Backend.h"
 #include "platform/win32/script/Win32Script.h"
 
 namespace program_test {
@@ -19,13 +18,6 @@ __attribute__((constructor(101))) void ChooseQuietAudio() {
 }
 
 constexpr BYTE kKeyJ = 0x4A, kKeyX = 0x58;
-
-Picture ReadPicture() {
-  Picture picture;
-  if (g_App.m_device)
-    d3d9gl::ReadBackBuffer(g_App.m_device, picture.argb, picture.width, picture.height);
-  return picture;
-}
 
 std::uint32_t Presents() {
   d3d9gl::FrameStats stats;
@@ -97,7 +89,6 @@ void ProgramRun::RecordStart() {
   startPosition = g_App.m_player.GetPosition();
   startPitch = g_App.m_player.GetPitch();
   startYaw = g_App.m_player.GetYaw();
-  menuBarHeight = win32::MenuBarHeight(m_window);
 }
 
 void ProgramRun::Record(std::uint32_t frame) {
@@ -121,24 +112,15 @@ void ProgramRun::Plan(std::uint32_t frame) {
     GetWindowRect(m_window, &place);
     SetWindowPos(m_window, HWND_NOTOPMOST, place.left, place.top, kSmallWidth, kSmallHeight,
                  SWP_NOACTIVATE);
-    GetWindowRect(m_window, &smallWindowRect);
   } else if (device == nullptr) {
     if (frame == kLossAt) problems.push_back("no device to make lost");
   } else if (frame == kLossAt) {
-    beforeLoss = ReadPicture();
     d3d9gl::SimulateDeviceLost(device, false);
   } else if (frame > kLossAt && frame < kResetAllowedAt) {
     levelWhileLost = device->TestCooperativeLevel();
   } else if (frame == kResetAllowedAt) {
     d3d9gl::AllowReset(device);
     levelOnceAllowed = device->TestCooperativeLevel();
-  } else if (frame == kRestoreAt) {
-    // The user drags the window back to where and how big it was.
-    SetWindowPos(m_window, HWND_NOTOPMOST, smallWindowRect.left, smallWindowRect.top,
-                 smallWindowRect.right - smallWindowRect.left,
-                 smallWindowRect.bottom - smallWindowRect.top, SWP_NOACTIVATE);
-  } else if (frame == kAfterAt) {
-    afterRestore = ReadPicture();
   } else if (frame == kWalkFrom + kWalkFrames) {
     win32::script::SetFixedStep(kSeaStep);
   }

@@ -10,9 +10,8 @@
 //    2 - 9     J and X held: the body rises and steps to its right, so that
 //              x and z differ from here on
 //   10 -       free fall back onto the ground, at rest well before 56
-//   56 - 62   a lost device: lost (no reset possible) with Up held in
-//              58 - 60, reset allowed before 61, the window put back to its
-//              small size before 62
+//   56 - 61   a lost device: lost (no reset possible) with Up held in
+//              58 - 60, reset allowed before 61
 //   66 -       Up held: 120 frames at 1/60 s, then steps of 0.5 s so that the
 //              walk reaches the sea in a few seconds of run time
 //   sea + 3    Escape: the run ends
@@ -33,9 +32,9 @@ namespace program_test {
 constexpr std::uint32_t kShrinkAt = 1;
 constexpr int kSmallWidth = 480, kSmallHeight = 320;
 constexpr std::uint32_t kLiftFrom = 2, kLiftUntil = 10;  // kLiftUntil: the first frame without J and X
-// The device is made lost before kLossAt; the window gets its former size
-// back before kRestoreAt, and the frame drawn after that is read at kAfterAt.
-constexpr std::uint32_t kLossAt = 56, kLostUpFrom = 58, kResetAllowedAt = 61, kRestoreAt = 62, kAfterAt = 63;
+// The device is made lost before kLossAt; kDrawnAt is the frame after the one
+// in which the reset became possible.
+constexpr std::uint32_t kLossAt = 56, kLostUpFrom = 58, kResetAllowedAt = 61, kDrawnAt = 62;
 constexpr std::uint32_t kWalkFrom = 66, kWalkFrames = 120;
 constexpr double kSeaStep = 0.5;
 constexpr std::uint32_t kSwimFramesBeforeEnd = 3;
@@ -53,12 +52,6 @@ struct FrameRecord {
   std::string title;
 };
 
-// A back buffer as read back: D3DCOLOR words, top row first.
-struct Picture {
-  UINT width = 0, height = 0;
-  std::vector<std::uint32_t> argb;
-};
-
 class ProgramRun {
  public:
   // Runs the program the first time; later calls give the same record.
@@ -69,13 +62,8 @@ class ProgramRun {
   D3DXVECTOR3 startPosition;
   float startPitch = 0.0f, startYaw = 0.0f;
   std::string startTitle;
-  int menuBarHeight = 0;
 
   // ---- the lost device ----
-  // The last frame drawn before the loss and the one drawn once the window
-  // has its size back after the reset.
-  Picture beforeLoss, afterRestore;
-  RECT smallWindowRect{};  // the window as the user made it small
   // TestCooperativeLevel while no reset is possible, then once it is.
   HRESULT levelWhileLost = S_OK, levelOnceAllowed = S_OK;
 
