@@ -13,12 +13,10 @@
 // file, a sound started by a frame is heard where that frame stands in the
 // output, however fast the machine or its audio thread is.
 //
-// On standard output it writes four marks, each with the size in bytes of
-// the audio file at that moment and the seconds on the clock since the first
+// On standard output it writes two marks, each with the size in bytes of the
+// audio file at that moment and the seconds on the clock since the first
 // frame:
 //   start N 0   the first frame is about to run (the music was just started)
-//   walk N S    the first frame with Up held is about to run
-//   walked N S  that frame has run
 //   end N S     the walk is over; Escape goes down before the next frame
 // A program that ends before its first frame writes no mark; the exit code
 // is the program's own. A frame that waits a minute for its sound ends the
@@ -49,8 +47,7 @@ struct Pacing {
   double idle = 0.0, walk = 0.0;
   std::string audioFile;
   Clock::time_point firstFrame;
-  double start = 0.0, walkStart = 0.0;  // output seconds at the first frame and the first step
-  std::uint32_t walkFrame = 0;          // the first frame with Up held; 0 until scheduled
+  double start = 0.0, walkStart = -1.0;  // output seconds at the first frame and the first step
   bool ending = false;
 } s_pacing;
 
@@ -95,15 +92,11 @@ void OnFrame(std::uint32_t frame) {
   AwaitOutput(s_pacing.start + frame * kStep);
 
   if (s_pacing.ending) return;
-  if (s_pacing.walkFrame == 0) {
+  if (s_pacing.walkStart < 0.0) {
     if (Output() - s_pacing.start >= s_pacing.idle) {
-      s_pacing.walkFrame = frame + 1;
+      s_pacing.walkStart = Output();
       win32::script::KeyDown(frame + 1, VK_UP);
     }
-  } else if (frame == s_pacing.walkFrame) {
-    s_pacing.walkStart = Mark("walk");
-  } else if (frame == s_pacing.walkFrame + 1) {
-    Mark("walked");
   } else if (Output() - s_pacing.walkStart >= s_pacing.walk) {
     Mark("end");
     win32::script::KeyDown(frame + 1, VK_ESCAPE);

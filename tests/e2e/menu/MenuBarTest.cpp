@@ -1,10 +1,15 @@
 // The menu bar of the real program used with the mouse: clicks at the places
-// where the bar drew its entries, what the open menu takes from the world,
-// mouse look, and the picture following a resized window.
+// where the bar drew its entries, the settings dialog drawn over the world,
+// Escapes tapped as automation sends them (press and release in one frame),
+// what the open menu takes from the world, mouse look, and the picture
+// following a resized window. (What each key does in the menus and the dialog,
+// and what a device change keeps, are the navigators' and the window
+// procedure's unit tests.)
 #include <gtest/gtest.h>
 
 #include "e2e/menu/SdlPlan.h"
 #include "platform/win32/Win32Backend.h"
+#include "platform/win32/Win32Dialogs.h"
 #include "platform/win32/overlay/Win32Overlay.h"
 
 namespace {
@@ -19,6 +24,18 @@ void ClickEntry(const std::vector<int>& path) {
   RECT r{};
   ASSERT_TRUE(win32::overlay::EntryRect(owner, path.back(), &r));
   Click((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+}
+
+// The settings dialog as its first turn drew it, 0xRRGGBB; then it is cancelled.
+Picture s_dialog;
+void OnDialogTurn(HWND dialog, std::uint32_t turn, void*) {
+  if (turn != 0) return;
+  std::vector<std::uint8_t> rgba;
+  int width = 0, height = 0;
+  win32::DrawDialog(dialog, &rgba, &width, &height);
+  for (std::size_t i = 0; i + 3 < rgba.size(); i += 4)
+    s_dialog.push_back(std::uint32_t(rgba[i]) << 16 | std::uint32_t(rgba[i + 1]) << 8 | rgba[i + 2]);
+  EndDialog(dialog, IDCANCEL);
 }
 
 // One step per click, from the bar down: {2, 0, 1} is Render States, Fill
@@ -49,6 +66,7 @@ TEST(MenuBar, UsedByMouseInTheRealProgram) {
   Picture before;
   D3DXVECTOR3 position;
   float yaw = 0.0f;
+  win32::SetDialogTurnHook(&OnDialogTurn, nullptr);
   Then([&] {
     // The start: a window of 1200 x 700, the bar at its top, the device's
     // back buffer the client area below it.
@@ -63,6 +81,11 @@ TEST(MenuBar, UsedByMouseInTheRealProgram) {
     EXPECT_LT(Share(before, kClear), 0.01);
     EXPECT_GT(Share(BackBuffer(), kClear), 0.2);
   });
+  ClickThrough({0, 0});  // Change Device
+  Then([] {
+    ASSERT_FALSE(s_dialog.empty()) << "no settings dialog";
+    EXPECT_LT(Share(s_dialog, 0x2E333D), 0.01) << "a bare background, not the world dimmed";
+  });
   ClickThrough({2, 0, 0});  // Solid
   ClickThrough({2, 6, 1});  // Multi Pass
   Then([] {
@@ -74,7 +97,7 @@ TEST(MenuBar, UsedByMouseInTheRealProgram) {
   ClickThrough({2, 2, 0});
   Then([] {
     Window(KARVO_SHOT_DIR "/render-states.png", 720, 260);
-    Taps("esc esc esc");  // one popup each, the run goes on
+    for (int popup = 0; popup < 3; ++popup) Key(SDLK_ESCAPE);  // quick taps: one popup each, the run goes on
   });
   Then([&] {
     EXPECT_FALSE(win32::overlay::PopupOpen());

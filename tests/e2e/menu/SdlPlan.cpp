@@ -6,8 +6,6 @@
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
-#include <map>
-#include <sstream>
 
 #include "platform/d3d9/D3D9GLBackend.h"
 #include "platform/win32/Win32Backend.h"
@@ -77,20 +75,6 @@ void Key(SDL_Keycode sym, Uint16 mod, bool down, bool up) {
   }
 }
 
-void Taps(const std::string& keys) {
-  static const std::map<std::string, SDL_Keycode> named = {
-      {"alt", SDLK_LALT},  {"esc", SDLK_ESCAPE},  {"enter", SDLK_RETURN},
-      {"tab", SDLK_TAB},   {"space", SDLK_SPACE}, {"up", SDLK_UP},
-      {"down", SDLK_DOWN}, {"left", SDLK_LEFT},   {"right", SDLK_RIGHT}};
-  std::istringstream in(keys);
-  for (std::string token; in >> token;) {
-    const bool alt = token.rfind("alt+", 0) == 0;
-    const std::string key = token.substr(alt ? 4 : 0);
-    const SDL_Keycode sym = named.count(key) ? named.at(key) : SDL_Keycode(std::tolower(key[0]));
-    Key(sym, alt || sym == SDLK_LALT ? KMOD_LALT : KMOD_NONE);
-  }
-}
-
 Picture BackBuffer(UINT* width, UINT* height) {
   Picture argb;
   UINT w = 0, h = 0;
@@ -121,13 +105,6 @@ double Share(const Picture& p, std::uint32_t colour) {
   return p.empty() ? 0.0 : double(std::count(p.begin(), p.end(), colour)) / double(p.size());
 }
 
-std::size_t ChangedBelow(const Picture& before, const Picture& after) {
-  std::size_t changed = 0;
-  for (std::size_t i = before.size() / 3; i < std::min(before.size(), after.size()); ++i)
-    changed += before[i] != after[i];
-  return changed;
-}
-
 void Then(std::function<void()> step) {
   s_plan.push_back(std::move(step));
 }
@@ -142,14 +119,6 @@ bool WindowIs(int width, int height) {
   int w = 0, h = 0;
   SDL_GL_GetDrawableSize(Sdl(), &w, &h);
   return w == width && h == height;
-}
-
-bool CameraBehindTheBody() {
-  const CPlayer& p = App().m_player;
-  const D3DXVECTOR3& o = p.GetCameraOffset();
-  D3DXVECTOR3 gap = p.GetPosition() + p.GetRight() * o.x + p.GetUp() * o.y + p.GetLook() * o.z -
-                    p.GetCamera()->GetPosition();
-  return D3DXVec3Length(&gap) < 1.0f;
 }
 
 void RunPlan() {

@@ -10,7 +10,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "app/GameApp.h"
@@ -27,20 +26,15 @@ SDL_Window* Sdl();
 void Push(SDL_Event event);
 void Mouse(Uint32 type, int x, int y, int dx = 0);
 void Click(int x, int y);
-// A key goes down and up, or only down or only up.
+// A key goes down and up (a quick tap: both pushed together), or only down
+// or only up.
 void Key(SDL_Keycode sym, Uint16 mod = KMOD_NONE, bool down = true, bool up = true);
-// Quick taps, each a press and a release pushed together: "alt+F c esc"
-// ("alt" alone taps Alt; named keys: alt esc enter tab space up down left
-// right; otherwise a letter or digit).
-void Taps(const std::string& keys);
 
 // The device's back buffer, and the window as shown (bar included), its top
 // left written as a PNG of width x height when a file is given.
 Picture BackBuffer(UINT* width = nullptr, UINT* height = nullptr);
 Picture Window(const char* file = nullptr, int width = 0, int height = 0);
 double Share(const Picture& picture, std::uint32_t colour);
-// How many pixels of the lower two thirds differ between two pictures.
-std::size_t ChangedBelow(const Picture& before, const Picture& after);
 
 // Then adds a step to the plan; RunPlan starts the program and plays the plan, one
 // step every few frames, and checks that the program ended after the last.
@@ -52,8 +46,5 @@ void RunPlan();
 
 // The X server has given the window this drawable size.
 bool WindowIs(int width, int height);
-// The trailing camera has closed in on its place behind the body, at a pace
-// of game time.
-bool CameraBehindTheBody();
 
 }  // namespace sdl_plan

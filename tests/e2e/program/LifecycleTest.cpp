@@ -28,15 +28,13 @@ TEST(Lifecycle, TitleKeepsTheStartTextUntilTheFirstRateThenShowsRateXZAndHeight)
   ASSERT_GT(run.frames.size(), 100u);
   EXPECT_EQ(run.startTitle, kStartTitle);
 
-  // The first change: the rate becomes non-zero once the summed mean frame
-  // time passes one second, about 60 frames of 1/60 s.
+  // The first change comes with the first rate (when the rate window closes
+  // is the timer's unit test).
   std::size_t first = 0;
   for (std::size_t i = 1; i < run.frames.size() && first == 0; ++i)
     if (run.frames[i].title != kStartTitle) first = i;
   ASSERT_NE(first, 0u) << "the title never changed";
-  for (std::size_t i = 0; i < first; ++i) EXPECT_EQ(run.frames[i].frameRate, 0u) << "frame " << i;
   const FrameRecord &before = run.frames[first - 1], &after = run.frames[first];
-  EXPECT_TRUE(before.frame >= 58u && before.frame <= 64u) << before.frame;
   // Every tick so far counts, frames 0 to before.frame; the title shows the
   // position the frame started with (the end of the one before).
   const D3DXVECTOR3& p = before.position;
@@ -64,13 +62,9 @@ TEST(Lifecycle, MessagesGoBeforeFramesAndEscapeEndsTheLoopBeforeTheNextFrame) {
   EXPECT_EQ(run.frames.back().frame, run.escapeFrame - 1);
 
   // One frame between two boundaries, never more, however many key
-  // messages were dispatched there; a frame of a lost device presents nothing.
-  for (std::size_t i = 1; i < run.frames.size(); ++i) {
-    const FrameRecord &previous = run.frames[i - 1], &current = run.frames[i];
-    ASSERT_EQ(current.frame, previous.frame + 1);
-    const bool lost = previous.frame >= kLossAt && previous.frame < kResetAllowedAt;
-    EXPECT_EQ(current.presents - previous.presents, lost ? 0u : 1u) << "frame " << previous.frame;
-  }
+  // messages were dispatched there. (What a lost device presents is the
+  // display device test's.)
+  for (std::size_t i = 1; i < run.frames.size(); ++i) ASSERT_EQ(run.frames[i].frame, run.frames[i - 1].frame + 1);
 }
 
 TEST(Lifecycle, NormalEndGivesZeroAndShutdownLeavesNothingBehind) {

@@ -5,7 +5,6 @@
 
 #include "app/GameApp.h"
 #include "platform/d3d9/D3D9GLBackend.h"
-#include "platform/win32/Win32Backend.h"
 #include "platform/win32/script/Win32Script.h"
 
 namespace program_test {
@@ -19,13 +18,6 @@ __attribute__((constructor(101))) void ChooseQuietAudio() {
 }
 
 constexpr BYTE kKeyJ = 0x4A, kKeyX = 0x58;
-
-Picture ReadPicture() {
-  Picture picture;
-  if (g_App.m_device)
-    d3d9gl::ReadBackBuffer(g_App.m_device, picture.argb, picture.width, picture.height);
-  return picture;
-}
 
 std::uint32_t Presents() {
   d3d9gl::FrameStats stats;
@@ -81,7 +73,6 @@ void ProgramRun::Run() {
   win32::script::SetFrameCallback(nullptr);
   if (frames.empty()) problems.push_back("no frame ran: the start failed");
   framesStarted = win32::script::FramesStarted();
-  finalPosition = g_App.m_player.GetPosition();
   deviceReleased = g_App.m_device == nullptr;
   direct3DReleased = g_App.m_d3d == nullptr;
   windowHandleCleared = g_App.m_hWnd == nullptr;
@@ -98,15 +89,14 @@ void ProgramRun::RecordStart() {
   startPosition = g_App.m_player.GetPosition();
   startPitch = g_App.m_player.GetPitch();
   startYaw = g_App.m_player.GetYaw();
-  menuBarHeight = win32::MenuBarHeight(m_window);
 }
 
 void ProgramRun::Record(std::uint32_t frame) {
   const CPlayer& p = g_App.m_player;
   char title[256] = {};
   GetWindowTextA(g_App.m_hWnd, title, sizeof title);
-  const FrameRecord record{frame, p.GetPosition(), p.GetVelocity(), p.GetGravity(), p.GetFriction(),
-                           p.GetMaxVelocityXZ(), p.GetMaxVelocityY(), g_App.m_timer.GetTimeElapsed(),
+  const FrameRecord record{frame, p.GetPosition(), p.GetGravity(), p.GetFriction(),
+                           p.GetMaxVelocityXZ(), p.GetMaxVelocityY(),
                            GroundAt(p.GetPosition().x, p.GetPosition().z),
                            g_App.m_deviceLost, Presents(), g_App.m_timer.GetFrameRate(nullptr), title};
   if (frame == 0) startTitle = record.title;
@@ -122,24 +112,15 @@ void ProgramRun::Plan(std::uint32_t frame) {
     GetWindowRect(m_window, &place);
     SetWindowPos(m_window, HWND_NOTOPMOST, place.left, place.top, kSmallWidth, kSmallHeight,
                  SWP_NOACTIVATE);
-    GetWindowRect(m_window, &smallWindowRect);
   } else if (device == nullptr) {
     if (frame == kLossAt) problems.push_back("no device to make lost");
   } else if (frame == kLossAt) {
-    beforeLoss = ReadPicture();
     d3d9gl::SimulateDeviceLost(device, false);
   } else if (frame > kLossAt && frame < kResetAllowedAt) {
     levelWhileLost = device->TestCooperativeLevel();
   } else if (frame == kResetAllowedAt) {
     d3d9gl::AllowReset(device);
     levelOnceAllowed = device->TestCooperativeLevel();
-  } else if (frame == kRestoreAt) {
-    // The user drags the window back to where and how big it was.
-    SetWindowPos(m_window, HWND_NOTOPMOST, smallWindowRect.left, smallWindowRect.top,
-                 smallWindowRect.right - smallWindowRect.left,
-                 smallWindowRect.bottom - smallWindowRect.top, SWP_NOACTIVATE);
-  } else if (frame == kAfterAt) {
-    afterRestore = ReadPicture();
   } else if (frame == kWalkFrom + kWalkFrames) {
     win32::script::SetFixedStep(kSeaStep);
   }

@@ -10,9 +10,8 @@
 //    2 - 9     J and X held: the body rises and steps to its right, so that
 //              x and z differ from here on
 //   10 -       free fall back onto the ground, at rest well before 56
-//   56 - 62   a lost device: lost (no reset possible) with Up held in
-//              58 - 60, reset allowed before 61, the window put back to its
-//              small size before 62
+//   56 - 61   a lost device: lost (no reset possible) with Up held in
+//              58 - 60, reset allowed before 61
 //   66 -       Up held: 120 frames at 1/60 s, then steps of 0.5 s so that the
 //              walk reaches the sea in a few seconds of run time
 //   sea + 3    Escape: the run ends
@@ -33,9 +32,9 @@ namespace program_test {
 constexpr std::uint32_t kShrinkAt = 1;
 constexpr int kSmallWidth = 480, kSmallHeight = 320;
 constexpr std::uint32_t kLiftFrom = 2, kLiftUntil = 10;  // kLiftUntil: the first frame without J and X
-// The device is made lost before kLossAt; the window gets its former size
-// back before kRestoreAt, and the frame drawn after that is read at kAfterAt.
-constexpr std::uint32_t kLossAt = 56, kLostUpFrom = 58, kResetAllowedAt = 61, kRestoreAt = 62, kAfterAt = 63;
+// The device is made lost before kLossAt; kDrawnAt is the frame after the one
+// in which the reset became possible.
+constexpr std::uint32_t kLossAt = 56, kLostUpFrom = 58, kResetAllowedAt = 61, kDrawnAt = 62;
 constexpr std::uint32_t kWalkFrom = 66, kWalkFrames = 120;
 constexpr double kSeaStep = 0.5;
 constexpr std::uint32_t kSwimFramesBeforeEnd = 3;
@@ -45,19 +44,12 @@ constexpr float kWaterLevel = 864.0f;
 // What the program's state was at the boundary before a frame ran.
 struct FrameRecord {
   std::uint32_t frame = 0;  // the frame about to run
-  D3DXVECTOR3 position, velocity, gravity;
+  D3DXVECTOR3 position, gravity;
   float friction = 0.0f, maxVelocityXZ = 0.0f, maxVelocityY = 0.0f;
-  float timeElapsed = 0.0f;
   float ground = 0.0f;  // GetHeight under the body, with the row's parity
   bool deviceLost = false;
   std::uint32_t presents = 0, frameRate = 0;  // presents: successful Present calls so far
   std::string title;
-};
-
-// A back buffer as read back: D3DCOLOR words, top row first.
-struct Picture {
-  UINT width = 0, height = 0;
-  std::vector<std::uint32_t> argb;
 };
 
 class ProgramRun {
@@ -70,13 +62,8 @@ class ProgramRun {
   D3DXVECTOR3 startPosition;
   float startPitch = 0.0f, startYaw = 0.0f;
   std::string startTitle;
-  int menuBarHeight = 0;
 
   // ---- the lost device ----
-  // The last frame drawn before the loss and the one drawn once the window
-  // has its size back after the reset.
-  Picture beforeLoss, afterRestore;
-  RECT smallWindowRect{};  // the window as the user made it small
   // TestCooperativeLevel while no reset is possible, then once it is.
   HRESULT levelWhileLost = S_OK, levelOnceAllowed = S_OK;
 
@@ -85,7 +72,6 @@ class ProgramRun {
   std::uint32_t escapeFrame = 0;    // Escape went down before this frame
   std::uint32_t framesStarted = 0;  // frame boundaries the script saw
   int exitCode = -1;
-  D3DXVECTOR3 finalPosition;
   std::vector<std::string> problems;  // what kept the script from its plan
 
   // ---- after WinMain returned ----

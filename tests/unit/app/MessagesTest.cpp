@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <string>
 #include <vector>
@@ -252,7 +253,9 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoesAndBackHeldForASecondIsEscape)
     const D3DXVECTOR3 to = p.GetPosition(), right = p.GetRight();
     fresh->m_device = nullptr;
     fresh->m_camera = nullptr;
-    return std::vector<float>{to.x, to.y, to.z, p.GetPitch(), p.GetYaw(), (to - from).x * right.x + (to - from).z * right.z};
+    const D3DXVECTOR3 moved = to - from;
+    return std::vector<float>{to.x, to.y, to.z, p.GetPitch(), p.GetYaw(), moved.x * right.x + moved.z * right.z,
+                              std::hypot(moved.x, moved.z)};
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);
@@ -260,6 +263,8 @@ TEST_F(Messages, GamepadMovesThePlayerAsItsKeyDoesAndBackHeldForASecondIsEscape)
     const auto byPad = run([&] { PushPad(row.type, row.code, row.value); });
     for (std::size_t i = 0; i < byKey.size(); ++i) EXPECT_NEAR(byPad[i], byKey[i], 1e-3f) << "value " << i;
     EXPECT_EQ((byKey[5] > 1.0f) - (byKey[5] < -1.0f), row.side) << "step along the right " << byKey[5];
+    // A step is a tenth of 500 x the frame time: 50 units in the second of frames of 1/60 s.
+    if (row.vk == VK_UP) { EXPECT_NEAR(byKey[6], 50.0f, 0.01f); }
     PushPad(SDL_CONTROLLERDEVICEREMOVED);
     EXPECT_FALSE(QuitPosted());
     EXPECT_EQ(GetKeyState(row.vk) & 0x8000, 0) << "still held";

@@ -302,11 +302,13 @@ TEST_F(Boxes, EachSkyFaceLoadsItsOwnImageAndAllSixAreTriedAfterAFailure) {
 
 // ---- body box ----------------------------------------------------------------------
 
-// (New colours for each device are the keyboard test's, over a change of device.)
+// The box is built anew with each device, and each build colours it anew.
 TEST_F(Boxes, BodyBoxIsDrawnOnlyInThirdPerson) {
   ASSERT_TRUE(app->BuildBodyBox());
+  const std::vector<std::uint8_t> first = karvo_test::AsFake(app->m_bodyMesh.m_vertexBuffer)->Bytes();
   ASSERT_TRUE(app->BuildBodyBox());
   EXPECT_EQ(device.LiveResources(), 2) << "a rebuild releases the old buffers";
+  EXPECT_NE(karvo_test::AsFake(app->m_bodyMesh.m_vertexBuffer)->Bytes(), first) << "the same corner colours";
   // A box 6 wide, 6 deep and 20 high with its foot at 0.
   EXPECT_EQ(app->m_bodyMesh.m_boundsMin, D3DXVECTOR3(-3.0f, 0.0f, -3.0f));
   EXPECT_EQ(app->m_bodyMesh.m_boundsMax, D3DXVECTOR3(3.0f, 20.0f, 3.0f));

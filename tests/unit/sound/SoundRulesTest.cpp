@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/crt/crt.h"
+#include "platform/win32/script/Win32Script.h"
 #include "support/FakeBass.h"
 #include "unit/render/AppUnderTest.h"
 
@@ -118,6 +119,24 @@ TEST_F(SoundRules, EachRandomSoundHasItsOwnDrawAndAltitudeBandsPickStepsDivingSw
                              &a.m_soundBreathe, &a.m_soundSteps, &a.m_soundSwim, &a.m_soundDiving})
       *slot = CSoundSlot{};
   }
+}
+
+// Standing still from the start, no rule runs, not even the deep water's
+// diving; the first direction key starts them. Through ReadInput, on the
+// scripted keyboard.
+TEST_F(SoundRules, NoRuleRunsBeforeTheFirstDirectionKey) {
+  app().m_playerHasMoved = 0;
+  At(kOpenX, kDeep, kOpenZ);
+  for (const BYTE key : {BYTE('A'), BYTE(VK_UP)}) {
+    win32::script::Enable({.realWindows = false});
+    win32::script::HoldKeys(0, {key});
+    for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);) {
+    }
+    fakebass::ClearPlays();
+    app().ReadInput();
+    EXPECT_EQ(Count(fakebass::PlayedPaths(), kDiving), key == VK_UP ? 1 : 0) << int(key);
+  }
+  win32::script::Disable();
 }
 
 TEST_F(SoundRules, TalkPicksFromTheLandAndWaterTablesAndBarsRandomSounds) {

@@ -52,14 +52,6 @@ TEST(Mesh, BuildUploadsComputesTheBoxFromThePositionsAndReleasesTheArrays) {
   auto* vb = AsFake(mesh.m_vertexBuffer);
   EXPECT_EQ(vb->Pool(), D3DPOOL_MANAGED);
   EXPECT_EQ(vb->Usage(), DWORD(D3DUSAGE_WRITEONLY | D3DUSAGE_SOFTWAREPROCESSING));
-
-  // A layout without a position at its front leaves the box alone.
-  CMesh noPosition;
-  noPosition.m_boundsMax = D3DXVECTOR3(1, 1, 1);
-  Fill(noPosition, {CVertex(50, 50, 50, 0)});
-  noPosition.SetVertexFormat(0x100 | D3DFVF_DIFFUSE, sizeof(CVertex));
-  ASSERT_EQ(noPosition.BuildBuffers(&device, true, true), D3D_OK);
-  EXPECT_EQ(noPosition.m_boundsMax, D3DXVECTOR3(1, 1, 1));
 }
 
 std::vector<std::uint16_t> Indices(const CMesh& mesh) {

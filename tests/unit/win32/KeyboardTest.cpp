@@ -77,4 +77,26 @@ TEST(SdlEvents, ButtonsGiveTheirMessagesAndKeysAreHeldUntilReleasedEvenWhenTheOv
   SDL_QuitSubSystem(SDL_INIT_EVENTS);
 }
 
+// A taken event that chose a command (a message waits now) ends the pump: the
+// events behind it wait for the command, which may open a dialog whose own
+// hook is to see them, as quick taps of Alt+F, C, then a dialog key need.
+TEST(SdlEvents, ACommandChosenByATakenEventRunsBeforeTheEventsBehindIt) {
+  win32::script::Disable();
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
+  int dialogKeys = 0;
+  win32::SetEventHook([](const SDL_Event& e, void*) {
+    if (e.type == SDL_KEYDOWN) PostMessageA(nullptr, WM_COMMAND, 40009, 0);
+    return true;
+  }, nullptr);
+  Push(SDL_KEYDOWN, SDLK_c, SDL_SCANCODE_C);
+  Push(SDL_KEYDOWN, SDLK_m, SDL_SCANCODE_M);
+  EXPECT_EQ(Take().message, static_cast<UINT>(WM_COMMAND));
+  win32::SetEventHook([](const SDL_Event& e, void* keys) { return *static_cast<int*>(keys) += e.type == SDL_KEYDOWN, true; },
+                      &dialogKeys);
+  EXPECT_EQ(Take().message, 0u) << "the key behind the command chose one too";
+  EXPECT_EQ(dialogKeys, 1);
+  win32::SetEventHook(nullptr, nullptr);
+  SDL_QuitSubSystem(SDL_INIT_EVENTS);
+}
+
 }  // namespace
