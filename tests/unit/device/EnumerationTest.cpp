@@ -6,6 +6,7 @@
 
 #include "device/D3DInitialize.h"
 #include "device/MyD3DInit.h"
+#include "device/ValueNames.h"
 #include "support/FakeDirect3D.h"
 
 namespace {
@@ -116,6 +117,21 @@ TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrde
   CMyD3DInit dropped;
   ASSERT_EQ(dropped.Enumerate(&unmatched), S_OK);
   EXPECT_EQ(dropped.GetAdapter(0)->m_devices[0]->m_options.size(), 2u) << "only X8 back buffers have a depth format";
+}
+
+// The names the settings dialog's lists show at the ends of the tables and
+// for values without a name: texts the user reads.
+TEST(ValueNames, TableEndsAndFallBacks) {
+  const std::pair<const char*, const char*> names[] = {
+      {DeviceTypeName(static_cast<D3DDEVTYPE>(4)), "Unknown D3DDEVTYPE"},
+      {MultiSampleTypeName(D3DMULTISAMPLE_16_SAMPLES), "D3DMULTISAMPLE_16_SAMPLES"},
+      {MultiSampleTypeName(static_cast<D3DMULTISAMPLE_TYPE>(17)), "Unknown D3DMULTISAMPLE_TYPE"},
+      {VertexProcessingName(static_cast<VERTEXPROCESSING_TYPE>(0)), "Unknown VERTEXPROCESSING_TYPE"},
+      {PresentIntervalName(3), "Unknown Present-Interval"},
+      {FormatName(D3DFMT_UNKNOWN, false), "UNKNOWN"},
+      {FormatName(D3DFMT_UYVY, true), "D3DFMT_UYVY"},
+      {FormatName(static_cast<D3DFORMAT>(72), true), "Unknown format"}};
+  for (const auto& [got, want] : names) EXPECT_STREQ(got, want);
 }
 
 }  // namespace
