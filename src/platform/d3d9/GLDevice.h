@@ -105,21 +105,7 @@ class GLDevice final : public IDirect3DDevice9 {
   // then go where nothing is marked, just before the first draw that blends.
   // The picture is the same, but the pixels that the opaque ground covers
   // anyway are never shaded for the background.
-  struct HeldDraw {
-    DWORD rs[kRenderStates];
-    DWORD tss[kStages][kStageStates];
-    DWORD ss[kSamplers][kSamplerStates];
-    IDirect3DBaseTexture9* textures[kSamplers];
-    D3DMATRIX world, view, proj;
-    D3DVIEWPORT9 viewport;
-    DWORD fvf;
-    GLVertexBuffer* stream;
-    UINT streamOffset, streamStride;
-    GLIndexBuffer* indices;
-    D3DPRIMITIVETYPE type;
-    INT baseVertex;
-    UINT startIndex, primCount;
-  };
+  struct HeldDraw;
   enum StencilUse { kStencilOff, kStencilMark, kStencilUnmarked };
   bool WritesDepth() const;
   void HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount);
@@ -171,17 +157,27 @@ class GLDevice final : public IDirect3DDevice9 {
   bool replaying_ = false;           // the held-back draws are being drawn
   std::vector<std::unique_ptr<HeldDraw>> background_;
 
-  // Recorded state.
-  DWORD rs_[kRenderStates] = {};
-  DWORD tss_[kStages][kStageStates] = {};
-  DWORD ss_[kSamplers][kSamplerStates] = {};
-  IDirect3DBaseTexture9* textures_[kSamplers] = {};
-  D3DMATRIX world_{}, view_{}, proj_{};
-  D3DVIEWPORT9 viewport_{};
-  DWORD fvf_ = 0;
-  GLVertexBuffer* stream_ = nullptr;
-  UINT streamOffset_ = 0, streamStride_ = 0;
-  GLIndexBuffer* indices_ = nullptr;
+  // Recorded state: what the setters record and the next draw translates.
+  // One record, so that a held-back draw keeps it whole.
+  struct RecordedState {
+    DWORD rs[kRenderStates] = {};
+    DWORD tss[kStages][kStageStates] = {};
+    DWORD ss[kSamplers][kSamplerStates] = {};
+    IDirect3DBaseTexture9* textures[kSamplers] = {};
+    D3DMATRIX world{}, view{}, proj{};
+    D3DVIEWPORT9 viewport{};
+    DWORD fvf = 0;
+    GLVertexBuffer* stream = nullptr;
+    UINT streamOffset = 0, streamStride = 0;
+    GLIndexBuffer* indices = nullptr;
+  } state_;
+  // A background draw held back: the state it was made under, and its call.
+  struct HeldDraw {
+    RecordedState state;
+    D3DPRIMITIVETYPE type;
+    INT baseVertex;
+    UINT startIndex, primCount;
+  };
 
   // Serial numbers tell programs and samplers what they last saw.
   std::uint64_t wvpSerial_ = 1, viewportSerial_ = 1;

@@ -15,8 +15,6 @@
 // so the background passes or fails there as it did first. The stencil lives
 // in the spare 8 bits of a 24-bit depth buffer; a 16-bit or 32-bit float one
 // has none to spare (DepthStencilTwin) and is drawn in order.
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "platform/d3d9/GLDevice.h"
@@ -24,42 +22,21 @@
 namespace d3d9gl {
 
 bool GLDevice::WritesDepth() const {
-  return depthRb_ != 0 && rs_[D3DRS_ZENABLE] != D3DZB_FALSE && rs_[D3DRS_ZWRITEENABLE] != 0;
+  return depthRb_ != 0 && state_.rs[D3DRS_ZENABLE] != D3DZB_FALSE &&
+         state_.rs[D3DRS_ZWRITEENABLE] != 0;
 }
 
 void GLDevice::HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount) {
-  auto held = std::make_unique<HeldDraw>();
-  std::memcpy(held->rs, rs_, sizeof rs_);
-  std::memcpy(held->tss, tss_, sizeof tss_);
-  std::memcpy(held->ss, ss_, sizeof ss_);
-  std::copy(std::begin(textures_), std::end(textures_), held->textures);
-  for (IDirect3DBaseTexture9* t : held->textures)
+  auto held = std::make_unique<HeldDraw>(HeldDraw{state_, type, baseVertex, startIndex, primCount});
+  for (IDirect3DBaseTexture9* t : held->state.textures)
     if (t) t->AddRef();
-  held->world = world_, held->view = view_, held->proj = proj_;
-  held->viewport = viewport_;
-  held->fvf = fvf_;
-  held->stream = stream_, held->streamOffset = streamOffset_, held->streamStride = streamStride_;
-  held->indices = indices_;
-  stream_->AddRef();
-  indices_->AddRef();
-  held->type = type, held->baseVertex = baseVertex, held->startIndex = startIndex, held->primCount = primCount;
+  held->state.stream->AddRef();
+  held->state.indices->AddRef();
   background_.push_back(std::move(held));
 }
 
 void GLDevice::SwapState(HeldDraw& held) {
-  std::swap(rs_, held.rs);
-  std::swap(tss_, held.tss);
-  std::swap(ss_, held.ss);
-  std::swap(textures_, held.textures);
-  std::swap(world_, held.world);
-  std::swap(view_, held.view);
-  std::swap(proj_, held.proj);
-  std::swap(viewport_, held.viewport);
-  std::swap(fvf_, held.fvf);
-  std::swap(stream_, held.stream);
-  std::swap(streamOffset_, held.streamOffset);
-  std::swap(streamStride_, held.streamStride);
-  std::swap(indices_, held.indices);
+  std::swap(state_, held.state);
   // Everything the next draw translates may differ now.
   ++wvpSerial_;
   ++viewportSerial_;
@@ -82,10 +59,10 @@ void GLDevice::DrawBackground() {
 
 void GLDevice::DropBackground() {
   for (auto& held : background_) {
-    for (IDirect3DBaseTexture9* t : held->textures)
+    for (IDirect3DBaseTexture9* t : held->state.textures)
       if (t) t->Release();
-    held->stream->Release();
-    held->indices->Release();
+    held->state.stream->Release();
+    held->state.indices->Release();
   }
   background_.clear();
 }

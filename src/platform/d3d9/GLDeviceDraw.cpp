@@ -143,7 +143,7 @@ void GLDevice::ForgetTexture(GLuint name) {
 void GLDevice::ApplySampler(int stage, GLuint unitFirst, GLuint unitCount) {
   GLuint s = samplers_[stage];
   if (samplerDirty_[stage]) {
-    const DWORD* st = ss_[stage];
+    const DWORD* st = state_.ss[stage];
     DWORD minF = st[D3DSAMP_MINFILTER], magF = st[D3DSAMP_MAGFILTER], mipF = st[D3DSAMP_MIPFILTER];
     bool minLinear = minF == D3DTEXF_LINEAR || minF == D3DTEXF_ANISOTROPIC;
     GLint glMin;
@@ -185,18 +185,21 @@ void GLDevice::ApplyFixedState() {
     }
   };
   auto enable = [](GLenum cap) { return [cap](int on) { on ? glEnable(cap) : glDisable(cap); }; };
-  set(gl_.blend, rs_[D3DRS_ALPHABLENDENABLE] != 0, enable(GL_BLEND));
-  if (gl_.srcBlend != int(rs_[D3DRS_SRCBLEND]) || gl_.dstBlend != int(rs_[D3DRS_DESTBLEND])) {
-    glBlendFunc(BlendFactor(rs_[D3DRS_SRCBLEND]), BlendFactor(rs_[D3DRS_DESTBLEND]));
-    gl_.srcBlend = int(rs_[D3DRS_SRCBLEND]);
-    gl_.dstBlend = int(rs_[D3DRS_DESTBLEND]);
+  set(gl_.blend, state_.rs[D3DRS_ALPHABLENDENABLE] != 0, enable(GL_BLEND));
+  if (gl_.srcBlend != int(state_.rs[D3DRS_SRCBLEND]) ||
+      gl_.dstBlend != int(state_.rs[D3DRS_DESTBLEND])) {
+    glBlendFunc(BlendFactor(state_.rs[D3DRS_SRCBLEND]), BlendFactor(state_.rs[D3DRS_DESTBLEND]));
+    gl_.srcBlend = int(state_.rs[D3DRS_SRCBLEND]);
+    gl_.dstBlend = int(state_.rs[D3DRS_DESTBLEND]);
   }
-  set(gl_.depthTest, rs_[D3DRS_ZENABLE] != D3DZB_FALSE && depthRb_ != 0, enable(GL_DEPTH_TEST));
-  set(gl_.depthMask, rs_[D3DRS_ZWRITEENABLE] != 0, [](int on) { glDepthMask(on ? GL_TRUE : GL_FALSE); });
-  set(gl_.depthFunc, int(rs_[D3DRS_ZFUNC]), [](int f) { glDepthFunc(DepthFunc(DWORD(f))); });
+  set(gl_.depthTest, state_.rs[D3DRS_ZENABLE] != D3DZB_FALSE && depthRb_ != 0,
+      enable(GL_DEPTH_TEST));
+  set(gl_.depthMask, state_.rs[D3DRS_ZWRITEENABLE] != 0,
+      [](int on) { glDepthMask(on ? GL_TRUE : GL_FALSE); });
+  set(gl_.depthFunc, int(state_.rs[D3DRS_ZFUNC]), [](int f) { glDepthFunc(DepthFunc(DWORD(f))); });
   // Front faces are clockwise on screen (glFrontFace(GL_CW) at start-up):
   // D3DCULL_CCW culls the back, D3DCULL_CW the front.
-  set(gl_.cull, int(rs_[D3DRS_CULLMODE]), [](int c) {
+  set(gl_.cull, int(state_.rs[D3DRS_CULLMODE]), [](int c) {
     if (c == D3DCULL_CW || c == D3DCULL_CCW) {
       glEnable(GL_CULL_FACE);
       glCullFace(c == D3DCULL_CCW ? GL_BACK : GL_FRONT);
@@ -204,27 +207,29 @@ void GLDevice::ApplyFixedState() {
       glDisable(GL_CULL_FACE);
     }
   });
-  set(gl_.fill, int(rs_[D3DRS_FILLMODE]), [](int f) {
+  set(gl_.fill, int(state_.rs[D3DRS_FILLMODE]), [](int f) {
     glPolygonMode(GL_FRONT_AND_BACK, f == D3DFILL_WIREFRAME ? GL_LINE : f == D3DFILL_POINT ? GL_POINT : GL_FILL);
   });
-  set(gl_.dither, rs_[D3DRS_DITHERENABLE] != 0, enable(GL_DITHER));
+  set(gl_.dither, state_.rs[D3DRS_DITHERENABLE] != 0, enable(GL_DITHER));
   fixedDirty_ = false;
 }
 
 bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count) {
   // A blending draw must find the held-back background below it.
-  if (!background_.empty() && !replaying_ && rs_[D3DRS_ALPHABLENDENABLE]) DrawBackground();
+  if (!background_.empty() && !replaying_ && state_.rs[D3DRS_ALPHABLENDENABLE]) DrawBackground();
   freshDepth_ = false;
   ApplyStencil(replaying_ ? kStencilUnmarked : background_.empty() ? kStencilOff : kStencilMark);
   StageState stages[kShaderStages];
   for (int i = 0; i < kShaderStages; ++i) {
-    const DWORD* t = tss_[i];
-    stages[i] = StageState{t[D3DTSS_COLOROP],   t[D3DTSS_COLORARG1], t[D3DTSS_COLORARG2],     t[D3DTSS_ALPHAOP],
-                           t[D3DTSS_ALPHAARG1], t[D3DTSS_ALPHAARG2], t[D3DTSS_TEXCOORDINDEX], textures_[i] != nullptr};
+    const DWORD* t = state_.tss[i];
+    stages[i] =
+        StageState{t[D3DTSS_COLOROP],       t[D3DTSS_COLORARG1],          t[D3DTSS_COLORARG2],
+                   t[D3DTSS_ALPHAOP],       t[D3DTSS_ALPHAARG1],          t[D3DTSS_ALPHAARG2],
+                   t[D3DTSS_TEXCOORDINDEX], state_.textures[i] != nullptr};
   }
   stages[0].hasTexture = stage0Count > 0;
-  ShaderKey key =
-      MakeShaderKey(stages, fvf_, stage0Count, rs_[D3DRS_SHADEMODE] == D3DSHADE_FLAT, indexSlots_);
+  ShaderKey key = MakeShaderKey(stages, state_.fvf, stage0Count,
+                                state_.rs[D3DRS_SHADEMODE] == D3DSHADE_FLAT, indexSlots_);
   ShaderProgram* prog = shaders_.Get(key);
   if (prog == nullptr) return false;
   if (currentProgram_ != prog->program) {
@@ -233,23 +238,24 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
   }
   if (prog->wvpSerial != wvpSerial_) {
     D3DMATRIX wv, wvp;
-    Multiply(world_, view_, wv);
-    Multiply(wv, proj_, wvp);
+    Multiply(state_.world, state_.view, wv);
+    Multiply(wv, state_.proj, wvp);
     // Row-major data read as column-major is the transpose: see the shader.
     glUniformMatrix4fv(prog->wvp, 1, GL_FALSE, &wvp.m[0][0]);
     prog->wvpSerial = wvpSerial_;
   }
   if (prog->viewportSerial != viewportSerial_) {
-    glUniform4f(prog->viewport, float(viewport_.X), float(viewport_.Y), float(viewport_.Width),
-                float(viewport_.Height));
+    glUniform4f(prog->viewport, float(state_.viewport.X), float(state_.viewport.Y),
+                float(state_.viewport.Width), float(state_.viewport.Height));
     prog->viewportSerial = viewportSerial_;
   }
   if (fixedDirty_) ApplyFixedState();
   if (viewportDirty_) {
     // The platform counts Y from the top, GL from the bottom.
-    glViewport(GLint(viewport_.X), GLint(bbHeight_ - viewport_.Y - viewport_.Height), GLsizei(viewport_.Width),
-               GLsizei(viewport_.Height));
-    glDepthRange(viewport_.MinZ, viewport_.MaxZ);
+    glViewport(GLint(state_.viewport.X),
+               GLint(bbHeight_ - state_.viewport.Y - state_.viewport.Height),
+               GLsizei(state_.viewport.Width), GLsizei(state_.viewport.Height));
+    glDepthRange(state_.viewport.MinZ, state_.viewport.MaxZ);
     viewportDirty_ = false;
   }
   if (key.stages[0].hasTexture) {
@@ -259,7 +265,7 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
   }
   if (key.stages[1].hasTexture) {
     ApplySampler(1, kStage1Unit, 1);
-    BindForDrawing(kStage1Unit, static_cast<GLTexture*>(textures_[1]));
+    BindForDrawing(kStage1Unit, static_cast<GLTexture*>(state_.textures[1]));
   }
   return true;
 }
@@ -336,8 +342,8 @@ void GLDevice::FlushBatch() {
 }
 
 void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
-  Layout layout = LayoutOf(fvf_);
-  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return;
+  Layout layout = LayoutOf(state_.fvf);
+  if (!PrepareDraw(state_.textures, state_.textures[0] != nullptr ? 1 : 0)) return;
   UINT n = VerticesFor(type, primCount);
   std::size_t off = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, data,
                                 std::size_t(n) * stride, 16);
@@ -348,16 +354,16 @@ void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* 
 }
 
 HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
-  Layout layout = LayoutOf(fvf_);
+  Layout layout = LayoutOf(state_.fvf);
   UINT n = VerticesFor(type, primCount);
   if (data == nullptr || primCount == 0 || primCount > kMaxPrimitives || n == 0 || !layout.valid ||
       stride < layout.size)
     return D3DERR_INVALIDCALL;
   // The platform leaves stream 0 unset after a UP draw.
-  if (stream_) {
-    stream_->Release();
-    stream_ = nullptr;
-    streamOffset_ = streamStride_ = 0;
+  if (state_.stream) {
+    state_.stream->Release();
+    state_.stream = nullptr;
+    state_.streamOffset = state_.streamStride = 0;
   }
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   ++stats_.upCalls;
@@ -369,8 +375,10 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
     return D3D_OK;
   }
   Batch& b = batch_;
-  if (b.vertexCount && (b.fvf != fvf_ || b.stride != stride || b.vertexCount + n > kBatchVertexLimit)) FlushBatch();
-  IDirect3DBaseTexture9* tex = textures_[0];
+  if (b.vertexCount &&
+      (b.fvf != state_.fvf || b.stride != stride || b.vertexCount + n > kBatchVertexLimit))
+    FlushBatch();
+  IDirect3DBaseTexture9* tex = state_.textures[0];
   std::uint8_t slot = 0;
   if (tex) {
     int found = -1;
@@ -385,7 +393,7 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
     slot = std::uint8_t(found);
   }
   if (b.vertexCount == 0) {
-    b.fvf = fvf_;
+    b.fvf = state_.fvf;
     b.stride = stride;
   }
   const auto* bytes = static_cast<const std::uint8_t*>(data);
@@ -413,15 +421,16 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
                                        UINT startIndex, UINT primCount) {
   (void)minIndex;
   (void)numVertices;  // hints only: the real range is checked below
-  Layout layout = LayoutOf(fvf_);
+  Layout layout = LayoutOf(state_.fvf);
   UINT n = VerticesFor(type, primCount);
-  if (stream_ == nullptr || indices_ == nullptr || !layout.valid || primCount == 0 || primCount > kMaxPrimitives ||
-      streamStride_ < layout.size)
+  if (state_.stream == nullptr || state_.indices == nullptr || !layout.valid || primCount == 0 ||
+      primCount > kMaxPrimitives || state_.streamStride < layout.size)
     return D3DERR_INVALIDCALL;
-  UINT indexSize = indices_->format() == D3DFMT_INDEX32 ? 4 : 2;
-  if ((std::size_t(startIndex) + n) * indexSize > indices_->length()) return D3DERR_INVALIDCALL;
+  UINT indexSize = state_.indices->format() == D3DFMT_INDEX32 ? 4 : 2;
+  if ((std::size_t(startIndex) + n) * indexSize > state_.indices->length())
+    return D3DERR_INVALIDCALL;
   // Every index must name a vertex of the buffer: GL would read past it.
-  const std::uint8_t* ib = indices_->bytes().data() + std::size_t(startIndex) * indexSize;
+  const std::uint8_t* ib = state_.indices->bytes().data() + std::size_t(startIndex) * indexSize;
   std::uint32_t lo = 0xFFFFFFFFu, hi = 0;
   for (UINT i = 0; i < n; ++i) {
     std::uint32_t v;
@@ -435,7 +444,9 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
     lo = v < lo ? v : lo;
     hi = v > hi ? v : hi;
   }
-  std::int64_t vertices = std::int64_t(stream_->length() - std::min(streamOffset_, stream_->length())) / streamStride_;
+  std::int64_t vertices = std::int64_t(state_.stream->length() -
+                                       std::min(state_.streamOffset, state_.stream->length())) /
+                          state_.streamStride;
   if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices) return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   FlushBatch();
@@ -447,13 +458,13 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
 }
 
 void GLDevice::DrawIndexed(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount) {
-  if (!PrepareDraw(textures_, textures_[0] != nullptr ? 1 : 0)) return;
-  const Layout layout = LayoutOf(fvf_);
-  const UINT indexSize = indices_->format() == D3DFMT_INDEX32 ? 4 : 2;
-  BindVertexLayout(stream_->name(), layout, streamStride_, streamOffset_, false);
-  if (currentElementBuffer_ != indices_->name()) {
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_->name());
-    currentElementBuffer_ = indices_->name();
+  if (!PrepareDraw(state_.textures, state_.textures[0] != nullptr ? 1 : 0)) return;
+  const Layout layout = LayoutOf(state_.fvf);
+  const UINT indexSize = state_.indices->format() == D3DFMT_INDEX32 ? 4 : 2;
+  BindVertexLayout(state_.stream->name(), layout, state_.streamStride, state_.streamOffset, false);
+  if (currentElementBuffer_ != state_.indices->name()) {
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, state_.indices->name());
+    currentElementBuffer_ = state_.indices->name();
   }
   glDrawElementsBaseVertex(ModeOf(type), GLsizei(VerticesFor(type, primCount)),
                            indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,

@@ -315,8 +315,8 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
   fixedDirty_ = true;
   glEnable(GL_SCISSOR_TEST);
   // Cleared rectangles are cut to the viewport; Y counts from the top.
-  LONG vx1 = LONG(viewport_.X), vy1 = LONG(viewport_.Y);
-  LONG vx2 = vx1 + LONG(viewport_.Width), vy2 = vy1 + LONG(viewport_.Height);
+  LONG vx1 = LONG(state_.viewport.X), vy1 = LONG(state_.viewport.Y);
+  LONG vx2 = vx1 + LONG(state_.viewport.Width), vy2 = vy1 + LONG(state_.viewport.Height);
   D3DRECT whole{vx1, vy1, vx2, vy2};
   bool everyPixel = false;
   for (DWORD i = 0; i < std::max<DWORD>(count, 1); ++i) {

@@ -38,41 +38,41 @@ bool IsFixedState(DWORD s) {
 
 // The platform's documented defaults, the state of a new or reset device.
 void GLDevice::SetDefaults() {
-  std::memset(rs_, 0, sizeof rs_);
-  rs_[D3DRS_ZENABLE] = pp_.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
-  rs_[D3DRS_FILLMODE] = D3DFILL_SOLID;
-  rs_[D3DRS_SHADEMODE] = D3DSHADE_GOURAUD;
-  rs_[D3DRS_ZWRITEENABLE] = TRUE;
-  rs_[D3DRS_SRCBLEND] = D3DBLEND_ONE;
-  rs_[D3DRS_DESTBLEND] = D3DBLEND_ZERO;
-  rs_[D3DRS_CULLMODE] = D3DCULL_CCW;
-  rs_[D3DRS_ZFUNC] = D3DCMP_LESSEQUAL;
-  rs_[D3DRS_DITHERENABLE] = FALSE;
-  rs_[D3DRS_ALPHABLENDENABLE] = FALSE;
-  rs_[D3DRS_LIGHTING] = TRUE;
+  std::memset(state_.rs, 0, sizeof state_.rs);
+  state_.rs[D3DRS_ZENABLE] = pp_.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
+  state_.rs[D3DRS_FILLMODE] = D3DFILL_SOLID;
+  state_.rs[D3DRS_SHADEMODE] = D3DSHADE_GOURAUD;
+  state_.rs[D3DRS_ZWRITEENABLE] = TRUE;
+  state_.rs[D3DRS_SRCBLEND] = D3DBLEND_ONE;
+  state_.rs[D3DRS_DESTBLEND] = D3DBLEND_ZERO;
+  state_.rs[D3DRS_CULLMODE] = D3DCULL_CCW;
+  state_.rs[D3DRS_ZFUNC] = D3DCMP_LESSEQUAL;
+  state_.rs[D3DRS_DITHERENABLE] = FALSE;
+  state_.rs[D3DRS_ALPHABLENDENABLE] = FALSE;
+  state_.rs[D3DRS_LIGHTING] = TRUE;
 
   for (int i = 0; i < kStages; ++i) {
-    std::memset(tss_[i], 0, sizeof tss_[i]);
-    tss_[i][D3DTSS_COLOROP] = i == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE;
-    tss_[i][D3DTSS_COLORARG1] = D3DTA_TEXTURE;
-    tss_[i][D3DTSS_COLORARG2] = D3DTA_CURRENT;
-    tss_[i][D3DTSS_ALPHAOP] = i == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE;
-    tss_[i][D3DTSS_ALPHAARG1] = D3DTA_TEXTURE;
-    tss_[i][D3DTSS_ALPHAARG2] = D3DTA_CURRENT;
-    tss_[i][D3DTSS_TEXCOORDINDEX] = DWORD(i);
+    std::memset(state_.tss[i], 0, sizeof state_.tss[i]);
+    state_.tss[i][D3DTSS_COLOROP] = i == 0 ? D3DTOP_MODULATE : D3DTOP_DISABLE;
+    state_.tss[i][D3DTSS_COLORARG1] = D3DTA_TEXTURE;
+    state_.tss[i][D3DTSS_COLORARG2] = D3DTA_CURRENT;
+    state_.tss[i][D3DTSS_ALPHAOP] = i == 0 ? D3DTOP_SELECTARG1 : D3DTOP_DISABLE;
+    state_.tss[i][D3DTSS_ALPHAARG1] = D3DTA_TEXTURE;
+    state_.tss[i][D3DTSS_ALPHAARG2] = D3DTA_CURRENT;
+    state_.tss[i][D3DTSS_TEXCOORDINDEX] = DWORD(i);
   }
   for (int i = 0; i < kSamplers; ++i) {
-    std::memset(ss_[i], 0, sizeof ss_[i]);
-    ss_[i][D3DSAMP_ADDRESSU] = D3DTADDRESS_WRAP;
-    ss_[i][D3DSAMP_ADDRESSV] = D3DTADDRESS_WRAP;
-    ss_[i][D3DSAMP_MAGFILTER] = D3DTEXF_POINT;
-    ss_[i][D3DSAMP_MINFILTER] = D3DTEXF_POINT;
-    ss_[i][D3DSAMP_MIPFILTER] = D3DTEXF_NONE;
-    ss_[i][D3DSAMP_MAXANISOTROPY] = 1;
+    std::memset(state_.ss[i], 0, sizeof state_.ss[i]);
+    state_.ss[i][D3DSAMP_ADDRESSU] = D3DTADDRESS_WRAP;
+    state_.ss[i][D3DSAMP_ADDRESSV] = D3DTADDRESS_WRAP;
+    state_.ss[i][D3DSAMP_MAGFILTER] = D3DTEXF_POINT;
+    state_.ss[i][D3DSAMP_MINFILTER] = D3DTEXF_POINT;
+    state_.ss[i][D3DSAMP_MIPFILTER] = D3DTEXF_NONE;
+    state_.ss[i][D3DSAMP_MAXANISOTROPY] = 1;
   }
-  world_ = view_ = proj_ = Identity();
-  viewport_ = D3DVIEWPORT9{0, 0, bbWidth_, bbHeight_, 0.0f, 1.0f};
-  fvf_ = 0;
+  state_.world = state_.view = state_.proj = Identity();
+  state_.viewport = D3DVIEWPORT9{0, 0, bbWidth_, bbHeight_, 0.0f, 1.0f};
+  state_.fvf = 0;
   ++wvpSerial_;
   ++viewportSerial_;
   fixedDirty_ = viewportDirty_ = true;
@@ -81,26 +81,26 @@ void GLDevice::SetDefaults() {
 
 // Drops every binding the device holds a reference through.
 void GLDevice::ReleaseBindings() {
-  for (auto& t : textures_) {
+  for (auto& t : state_.textures) {
     if (t) t->Release();
     t = nullptr;
   }
-  if (stream_) stream_->Release();
-  if (indices_) indices_->Release();
-  stream_ = nullptr;
-  indices_ = nullptr;
-  streamOffset_ = streamStride_ = 0;
+  if (state_.stream) state_.stream->Release();
+  if (state_.indices) state_.indices->Release();
+  state_.stream = nullptr;
+  state_.indices = nullptr;
+  state_.streamOffset = state_.streamStride = 0;
 }
 
 HRESULT GLDevice::SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX* m) {
   if (m == nullptr) return D3DERR_INVALIDCALL;
   D3DMATRIX* target = nullptr;
   if (state == D3DTS_WORLD)
-    target = &world_;
+    target = &state_.world;
   else if (state == D3DTS_VIEW)
-    target = &view_;
+    target = &state_.view;
   else if (state == D3DTS_PROJECTION)
-    target = &proj_;
+    target = &state_.proj;
   else
     return D3D_OK;  // texture and further world matrices: not part of this pipeline
   if (SameMatrix(*target, *m)) return D3D_OK;
@@ -114,9 +114,9 @@ HRESULT GLDevice::SetViewport(const D3DVIEWPORT9* vp) {
   if (vp == nullptr || vp->Width == 0 || vp->Height == 0 || vp->X + vp->Width > bbWidth_ ||
       vp->Y + vp->Height > bbHeight_ || vp->MinZ < 0.0f || vp->MaxZ > 1.0f || vp->MinZ > vp->MaxZ)
     return D3DERR_INVALIDCALL;
-  if (std::memcmp(vp, &viewport_, sizeof viewport_) == 0) return D3D_OK;
+  if (std::memcmp(vp, &state_.viewport, sizeof state_.viewport) == 0) return D3D_OK;
   Touch();
-  viewport_ = *vp;
+  state_.viewport = *vp;
   ++viewportSerial_;
   viewportDirty_ = true;
   return D3D_OK;
@@ -124,50 +124,50 @@ HRESULT GLDevice::SetViewport(const D3DVIEWPORT9* vp) {
 
 HRESULT GLDevice::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
   if (DWORD(state) >= DWORD(kRenderStates)) return D3DERR_INVALIDCALL;
-  if (rs_[state] == value) return D3D_OK;
+  if (state_.rs[state] == value) return D3D_OK;
   Touch();
-  rs_[state] = value;
+  state_.rs[state] = value;
   if (IsFixedState(state)) fixedDirty_ = true;
   return D3D_OK;
 }
 
 HRESULT GLDevice::SetTexture(DWORD stage, IDirect3DBaseTexture9* texture) {
   if (stage >= DWORD(kSamplers)) return D3DERR_INVALIDCALL;
-  if (textures_[stage] == texture) return D3D_OK;
+  if (state_.textures[stage] == texture) return D3D_OK;
   if (texture != nullptr) {
     auto* gl = dynamic_cast<GLTexture*>(texture);
     if (gl == nullptr || gl->core() != core_) return D3DERR_INVALIDCALL;
   }
   // Stage 0 textures can change inside a merged draw (each vertex names its
   // texture), as long as the stage keeps having one.
-  if (stage != 0 || (texture == nullptr) != (textures_[0] == nullptr)) Touch();
+  if (stage != 0 || (texture == nullptr) != (state_.textures[0] == nullptr)) Touch();
   if (texture) texture->AddRef();
-  if (textures_[stage]) textures_[stage]->Release();
-  textures_[stage] = texture;
+  if (state_.textures[stage]) state_.textures[stage]->Release();
+  state_.textures[stage] = texture;
   return D3D_OK;
 }
 
 HRESULT GLDevice::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
   if (stage >= DWORD(kStages) || DWORD(type) >= DWORD(kStageStates)) return D3DERR_INVALIDCALL;
-  if (tss_[stage][type] == value) return D3D_OK;
+  if (state_.tss[stage][type] == value) return D3D_OK;
   Touch();
-  tss_[stage][type] = value;
+  state_.tss[stage][type] = value;
   return D3D_OK;
 }
 
 HRESULT GLDevice::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
   if (sampler >= DWORD(kSamplers) || DWORD(type) >= DWORD(kSamplerStates)) return D3DERR_INVALIDCALL;
-  if (ss_[sampler][type] == value) return D3D_OK;
+  if (state_.ss[sampler][type] == value) return D3D_OK;
   Touch();
-  ss_[sampler][type] = value;
+  state_.ss[sampler][type] = value;
   if (sampler < DWORD(kShaderStages)) samplerDirty_[sampler] = true;
   return D3D_OK;
 }
 
 HRESULT GLDevice::SetFVF(DWORD fvf) {
-  if (fvf == fvf_) return D3D_OK;
+  if (fvf == state_.fvf) return D3D_OK;
   Touch();
-  fvf_ = fvf;
+  state_.fvf = fvf;
   return D3D_OK;
 }
 
@@ -178,12 +178,13 @@ HRESULT GLDevice::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT 
     gl = dynamic_cast<GLVertexBuffer*>(vb);
     if (gl == nullptr || gl->core() != core_) return D3DERR_INVALIDCALL;
   }
-  if (gl == stream_ && offset == streamOffset_ && stride == streamStride_) return D3D_OK;
+  if (gl == state_.stream && offset == state_.streamOffset && stride == state_.streamStride)
+    return D3D_OK;
   if (gl) gl->AddRef();
-  if (stream_) stream_->Release();
-  stream_ = gl;
-  streamOffset_ = offset;
-  streamStride_ = stride;
+  if (state_.stream) state_.stream->Release();
+  state_.stream = gl;
+  state_.streamOffset = offset;
+  state_.streamStride = stride;
   return D3D_OK;
 }
 
@@ -193,10 +194,10 @@ HRESULT GLDevice::SetIndices(IDirect3DIndexBuffer9* ib) {
     gl = dynamic_cast<GLIndexBuffer*>(ib);
     if (gl == nullptr || gl->core() != core_) return D3DERR_INVALIDCALL;
   }
-  if (gl == indices_) return D3D_OK;
+  if (gl == state_.indices) return D3D_OK;
   if (gl) gl->AddRef();
-  if (indices_) indices_->Release();
-  indices_ = gl;
+  if (state_.indices) state_.indices->Release();
+  state_.indices = gl;
   return D3D_OK;
 }
 
