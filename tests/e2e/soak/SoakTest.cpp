@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 
 #include "app/GameApp.h"
 #include "device/D3DSettingsDlg.h"

@@ -122,16 +122,14 @@ TEST(Enumeration, SixteenBitDesktopGivesAtMostTwentyTwoOptionsPerTypeInTableOrde
 // The names the settings dialog's lists show at the ends of the tables and
 // for values without a name: texts the user reads.
 TEST(ValueNames, TableEndsAndFallBacks) {
-  const std::pair<const char*, const char*> names[] = {
-      {DeviceTypeName(static_cast<D3DDEVTYPE>(4)), "Unknown D3DDEVTYPE"},
-      {MultiSampleTypeName(D3DMULTISAMPLE_16_SAMPLES), "D3DMULTISAMPLE_16_SAMPLES"},
-      {MultiSampleTypeName(static_cast<D3DMULTISAMPLE_TYPE>(17)), "Unknown D3DMULTISAMPLE_TYPE"},
-      {VertexProcessingName(static_cast<VERTEXPROCESSING_TYPE>(0)), "Unknown VERTEXPROCESSING_TYPE"},
-      {PresentIntervalName(3), "Unknown Present-Interval"},
-      {FormatName(D3DFMT_UNKNOWN, false), "UNKNOWN"},
-      {FormatName(D3DFMT_UYVY, true), "D3DFMT_UYVY"},
-      {FormatName(static_cast<D3DFORMAT>(72), true), "Unknown format"}};
-  for (const auto& [got, want] : names) EXPECT_STREQ(got, want);
+  EXPECT_STREQ(DeviceTypeName(static_cast<D3DDEVTYPE>(4)), "Unknown D3DDEVTYPE");
+  EXPECT_STREQ(MultiSampleTypeName(D3DMULTISAMPLE_16_SAMPLES), "D3DMULTISAMPLE_16_SAMPLES");
+  EXPECT_STREQ(MultiSampleTypeName(D3DMULTISAMPLE_TYPE(17)), "Unknown D3DMULTISAMPLE_TYPE");
+  EXPECT_STREQ(VertexProcessingName(VERTEXPROCESSING_TYPE(0)), "Unknown VERTEXPROCESSING_TYPE");
+  EXPECT_STREQ(PresentIntervalName(3), "Unknown Present-Interval");
+  EXPECT_STREQ(FormatName(D3DFMT_UNKNOWN, false), "UNKNOWN");
+  EXPECT_STREQ(FormatName(D3DFMT_UYVY, true), "D3DFMT_UYVY");
+  EXPECT_STREQ(FormatName(static_cast<D3DFORMAT>(72), true), "Unknown format");
 }
 
 }  // namespace
