@@ -178,8 +178,8 @@ bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTI
     const GLenum df = ownStencil_ ? twin : DepthInternalFormat(depthFormat);
     glGenRenderbuffers(1, &depthRb_);
     storage(depthRb_, df, samples);
-    const bool packed = df == GL_DEPTH24_STENCIL8 || df == GL_DEPTH32F_STENCIL8;
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, packed ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER,
+                              df == GL_DEPTH24_STENCIL8 ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
                               GL_RENDERBUFFER, depthRb_);
   }
   bool ok = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
