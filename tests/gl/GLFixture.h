@@ -64,6 +64,8 @@ class DeviceTest : public ::testing::Test {
     ASSERT_NE(window_, nullptr) << SDL_GetError();
     // Any handle will do: the lookup ignores it and answers the test's window.
     d3d9gl::SetWindowLookup([](HWND) -> void* { return window_; });
+    // The same tests on the web page's OpenGL ES path (d3d9_gl_es_tests).
+    d3d9gl::UseEsContext(std::getenv("KARVO_GL_ES") != nullptr);
     d3d_ = Direct3DCreate9(D3D_SDK_VERSION);
     ASSERT_NE(d3d_, nullptr);
     D3DPRESENT_PARAMETERS pp = Params();

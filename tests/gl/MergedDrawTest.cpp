@@ -120,6 +120,58 @@ TEST_F(MergedDrawTest, IndexedDrawsAndReleasedTexturesKeepTheirPlace) {
   ib->Release();
 }
 
+// The base vertex moves the indices by whole vertices, also below the stream
+// offset (the index data is then rewritten, as no attribute offset can go
+// below zero).
+TEST_F(MergedDrawTest, TheBaseVertexShiftsIndicesByWholeVertices) {
+  const std::array<ScreenVertex, 4> a = QuadVertices({4, 4, 28, 28}, kRed, {}, 0.5f, {});
+  const std::array<ScreenVertex, 4> b = QuadVertices({36, 36, 60, 60}, kGreen, {}, 0.5f, {});
+  IDirect3DVertexBuffer9* vb = nullptr;
+  IDirect3DIndexBuffer9* ib = nullptr;
+  ASSERT_EQ(device_->CreateVertexBuffer(sizeof a * 2, 0, kScreenFVF, D3DPOOL_MANAGED, &vb, nullptr),
+            D3D_OK);
+  ASSERT_EQ(device_->CreateIndexBuffer(24, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, &ib, nullptr),
+            D3D_OK);
+  void* bytes = nullptr;
+  ASSERT_EQ(vb->Lock(0, 0, &bytes, 0), D3D_OK);
+  std::memcpy(bytes, a.data(), sizeof a);
+  std::memcpy(static_cast<char*>(bytes) + sizeof a, b.data(), sizeof b);
+  vb->Unlock();
+  const WORD indices[12] = {0, 1, 2, 0, 2, 3, 4, 5, 6, 4, 6, 7};
+  ASSERT_EQ(ib->Lock(0, 0, &bytes, 0), D3D_OK);
+  std::memcpy(bytes, indices, sizeof indices);
+  ib->Unlock();
+  struct Case {
+    UINT offsetVertices;
+    INT baseVertex;
+    UINT startIndex;
+    D3DCOLOR first, second;  // what the two quads' places show
+  };
+  const Case cases[] = {
+      {0, 4, 0, 0, kGreen}, {4, -4, 6, 0, kGreen}, {0, -4, 6, kRed, 0}, {4, -4, 0, kRed, 0}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message()
+                 << "offset " << c.offsetVertices << ", base " << c.baseVertex);
+    ClearAll(0);
+    device_->SetFVF(kScreenFVF);
+    device_->SetStreamSource(0, vb, c.offsetVertices * sizeof(ScreenVertex), sizeof(ScreenVertex));
+    device_->SetIndices(ib);
+    if (c.offsetVertices == 4 && c.startIndex == 0) {  // would read before the buffer's start
+      EXPECT_EQ(device_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, c.baseVertex, 0, 4, 0, 2),
+                D3DERR_INVALIDCALL);
+      continue;
+    }
+    ASSERT_EQ(
+        device_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, c.baseVertex, 0, 4, c.startIndex, 2),
+        D3D_OK);
+    const std::vector<D3DCOLOR> f = Frame();
+    EXPECT_EQ(f[16 * kSize + 16], c.first);
+    EXPECT_EQ(f[48 * kSize + 48], c.second);
+  }
+  vb->Release();
+  ib->Release();
+}
+
 // A first draw without depth writes (the sky) waits until the draws that
 // cover it are done; it must still show wherever they wrote nothing, with the
 // texels and vertices it was drawn with. (That it goes before the first blending draw, the pixel

@@ -116,6 +116,30 @@ TEST_F(RasterTest, CullModesFollowTheWindingOnScreen) {
     }
 }
 
+// Wireframe draws the edges of what culling keeps (as line lists where the
+// GL has no polygon mode), never the insides.
+TEST_F(RasterTest, WireframeDrawsTheEdgesOfTheTrianglesCullingKeeps) {
+  device_->SetRenderState(D3DRS_FILLMODE, D3DFILL_WIREFRAME);
+  for (const DWORD cull : {DWORD(D3DCULL_CCW), DWORD(D3DCULL_CW)}) {
+    SCOPED_TRACE(::testing::Message() << "cull " << cull);
+    ClearAll(kClear);
+    device_->SetRenderState(D3DRS_CULLMODE, cull);
+    ASSERT_EQ(Draw(D3DPT_TRIANGLELIST, {4, 4, 28, 4, 4, 28, 36, 36, 36, 60, 60, 36}, true), D3D_OK);
+    ASSERT_EQ(Draw(D3DPT_TRIANGLESTRIP, {36, 4, 60, 4, 36, 28, 60, 28}, false), D3D_OK);
+    const std::vector<D3DCOLOR> f = Frame();
+    // A line along a pixel border may take the row (column) on either side.
+    auto edge = [&](int x, int y, bool rows) {
+      return f[std::size_t(y) * kSize + std::size_t(x)] == kInk ||
+             f[std::size_t(rows ? y - 1 : y) * kSize + std::size_t(rows ? x : x - 1)] == kInk;
+    };
+    const bool cw = cull == D3DCULL_CCW;
+    EXPECT_EQ(edge(16, 4, true), cw);     // the clockwise triangle's top
+    EXPECT_EQ(edge(36, 50, false), !cw);  // the counter-clockwise one's left
+    EXPECT_EQ(edge(50, 28, true), cw);    // the strip's second triangle's bottom
+    ExpectInk({{8, 8, false}, {40, 44, false}, {56, 24, false}});
+  }
+}
+
 TEST_F(RasterTest, DepthTestAndWrite) {
   constexpr D3DCOLOR kFirst = 0xFFFF0000, kSecond = 0xFF00FF00;
   struct Case {

@@ -180,5 +180,35 @@ TEST_F(SamplerTest, MipFilterChoosesTheLevel) {
   }
 }
 
+// Every texel format reads back as the platform lays it out, alpha included
+// (OpenGL ES gets them converted at upload).
+TEST_F(DeviceStageTest, TexelFormatsReadAsThePlatformLaysThemOut) {
+  struct Case {
+    D3DFORMAT format;
+    std::uint32_t texel;
+    D3DCOLOR want;
+  };
+  const Case cases[] = {
+      {D3DFMT_A8R8G8B8, 0x80112233u, 0x80112233u}, {D3DFMT_X8R8G8B8, 0x00112233u, 0xFF112233u},
+      {D3DFMT_A1R5G5B5, 0x7C00u, 0x00FF0000u},     {D3DFMT_X1R5G5B5, 0x001Fu, 0xFF0000FFu},
+      {D3DFMT_A4R4G4B4, 0x8F0Fu, 0x88FF00FFu},     {D3DFMT_R5G6B5, 0x07E0u, 0xFF00FF00u}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message() << "format " << c.format);
+    IDirect3DTexture9* t = nullptr;
+    ASSERT_EQ(device_->CreateTexture(1, 1, 1, 0, c.format, D3DPOOL_MANAGED, &t, nullptr), D3D_OK);
+    D3DLOCKED_RECT locked{};
+    ASSERT_EQ(t->LockRect(0, &locked, nullptr, 0), D3D_OK);
+    std::memcpy(locked.pBits, &c.texel,
+                c.format == D3DFMT_A8R8G8B8 || c.format == D3DFMT_X8R8G8B8 ? 4 : 2);
+    ASSERT_EQ(t->UnlockRect(0), D3D_OK);
+    ClearAll();
+    SetStage(0, t, Color(SEL1), 0);
+    ASSERT_EQ(Quad({0, 0, 64, 64}, 0xFFFFFFFF), D3D_OK);
+    EXPECT_TRUE(ColorNear(Pixel(32, 32), c.want));
+    device_->SetTexture(0, nullptr);
+    t->Release();
+  }
+}
+
 }  // namespace
 }  // namespace gltest

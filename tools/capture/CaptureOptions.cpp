@@ -166,6 +166,7 @@ const char* CaptureUsage() {
          "  --look YAW,PITCH     turn the walker so, in degrees (pitch below 0 looks up)\n"
          "  --plain              draw every call in order as it comes (the reference path)\n"
          "  --depth24            offer no 32-bit depth buffer: the program takes a 24-bit one\n"
+         "  --es                 draw on OpenGL ES 3.0, as a web page does (WebGL2)\n"
          "  --rain-off N         switch the rain off before frame N\n"
          "  --out DIR            folder for the files (default .)\n"
          "  --assets DIR         the assets folder to run in (default: the working directory)\n"
@@ -199,6 +200,10 @@ bool ParseCaptureOptions(int argc, const char* const* argv, CaptureOptions& opti
     }
     if (arg == "--depth24") {
       options.depth24 = true;
+      continue;
+    }
+    if (arg == "--es") {
+      options.es = true;
       continue;
     }
     // Every other option takes one value.

@@ -28,7 +28,8 @@ struct CaptureOptions {
   float placeAt[3] = {0.0f, 0.0f, 0.0f};
   bool look = false;  // turn the walker to lookAt (yaw, pitch in degrees) before frame 1
   float lookAt[2] = {0.0f, 0.0f};
-  bool plain = false;  // the GL back end's plain path, which the fast one must match
+  bool plain = false;    // the GL back end's plain path, which the fast one must match
+  bool es = false;       // an OpenGL ES 3.0 context, the web page's drawing path
   bool depth24 = false;  // no 32-bit depth buffer offered, so the program takes a 24-bit one
   std::uint32_t rainOffFrame = 0;  // the rain is switched off before this frame; 0: never
   bool help = false;

@@ -31,9 +31,11 @@ constexpr int kBatchTextures = 4;
 // Reads the back buffer (after resolving multisampling) as D3DCOLOR words
 // 0xAARRGGBB, top row first. Pending draws are carried out first. False for a
 // device that is not of this back end.
-bool ReadBackBuffer(IDirect3DDevice9* device, std::vector<std::uint32_t>& argb, UINT& width, UINT& height);
+bool ReadBackBuffer(IDirect3DDevice9* device, std::vector<std::uint32_t>& argb, UINT& width,
+                    UINT& height);
 // The same as bytes R, G, B, A per pixel, top row first (for PNG writers).
-bool ReadBackBufferRGBA(IDirect3DDevice9* device, std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
+bool ReadBackBufferRGBA(IDirect3DDevice9* device, std::vector<std::uint8_t>& rgba, UINT& width,
+                        UINT& height);
 
 // Makes the device lost as a full-screen device that lost focus would be:
 // Present gives D3DERR_DEVICELOST and drawing does nothing. TestCooperativeLevel
@@ -58,9 +60,15 @@ void UsePlainPath(bool plain);
 // on (tests and benchmarks).
 void OfferDepth32(bool offer);
 
+// With UseEsContext(true) devices draw on an OpenGL ES 3.0 context, as they
+// do in a web page (WebGL2), with that API's limits: the desktop's way to
+// test the page's drawing path. Call before Direct3DCreate9; a page always
+// has ES.
+void UseEsContext(bool es);
+
 // Counters of the GL work done, for benchmarks and tests.
 struct FrameStats {
-  std::uint32_t glDrawCalls = 0;          // GL draw calls since the last Present
+  std::uint32_t glDrawCalls = 0;           // GL draw calls since the last Present
   std::uint32_t lastFrameGlDrawCalls = 0;  // GL draw calls of the frame before it
   // DrawPrimitiveUP calls, and the GL draws they became, since the last
   // Present and in the frame before it: how well the merging works.

@@ -24,16 +24,43 @@ void Log(LogLevel level, const char* where, const char* format, ...) {
   std::fputc('\n', stderr);
 }
 
+namespace {
+#ifdef __EMSCRIPTEN__
+constexpr bool kInPage = true;  // WebGL2 is the only GL a page has
+#else
+constexpr bool kInPage = false;
+#endif
+bool s_esContext = kInPage;
+}  // namespace
+
+void UseEsContext(bool es) {
+  s_esContext = es || kInPage;
+}
+
 void SetContextAttributes() {
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
-  SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
-  SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, s_esContext ? 0 : 3);
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK,
+                      s_esContext ? SDL_GL_CONTEXT_PROFILE_ES : SDL_GL_CONTEXT_PROFILE_CORE);
   SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
   // Drawing goes to the device's own framebuffer, which has its depth and
   // stencil; the window's takes nothing but the finished picture, so it
   // needs neither (SDL asks for 16 depth bits unless told).
   SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
   SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 0);
+}
+
+bool HasExtension(const char* name) {
+  const char* bare = std::strncmp(name, "GL_", 3) == 0 ? name + 3 : name;
+  GLint count = 0;
+  glGetIntegerv(GL_NUM_EXTENSIONS, &count);
+  for (GLint i = 0; i < count; ++i) {
+    const char* e = reinterpret_cast<const char*>(glGetStringi(GL_EXTENSIONS, GLuint(i)));
+    if (e == nullptr) continue;
+    if (std::strncmp(e, "GL_", 3) == 0) e += 3;
+    if (std::strcmp(e, bare) == 0) return true;
+  }
+  return false;
 }
 
 namespace {
@@ -79,30 +106,43 @@ GLLimits Probe() {
   SDL_Window* oldWindow = SDL_GL_GetCurrentWindow();
   SDL_GLContext oldContext = SDL_GL_GetCurrentContext();
   SetContextAttributes();
-  SDL_Window* w = SDL_CreateWindow("karvo-gl-probe", 0, 0, 16, 16, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+  SDL_Window* w =
+      SDL_CreateWindow("karvo-gl-probe", 0, 0, 16, 16, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
   SDL_GLContext c = w ? SDL_GL_CreateContext(w) : nullptr;
   if (c == nullptr) {
-    Log(LogLevel::Error, "Limits", "no OpenGL 3.3 core context: %s", SDL_GetError());
+    Log(LogLevel::Error, "Limits", "no %s context: %s",
+        s_esContext ? "OpenGL ES 3.0" : "OpenGL 3.3 core", SDL_GetError());
     if (w) SDL_DestroyWindow(w);
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
     return l;
   }
-  std::snprintf(l.renderer, sizeof l.renderer, "%s", reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
-  std::snprintf(l.version, sizeof l.version, "%s", reinterpret_cast<const char*>(glGetString(GL_VERSION)));
+  std::snprintf(l.renderer, sizeof l.renderer, "%s",
+                reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+  std::snprintf(l.version, sizeof l.version, "%s",
+                reinterpret_cast<const char*>(glGetString(GL_VERSION)));
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &l.maxTextureSize);
   glGetIntegerv(GL_MAX_SAMPLES, &l.maxSamples);
   for (int n = 2; n <= 16 && n <= l.maxSamples; ++n)
     if (SamplesWork(GL_RGBA8, n) && SamplesWork(GL_DEPTH24_STENCIL8, n)) l.sampleCounts |= 1u << n;
-  l.anisotropic = epoxy_has_gl_extension("GL_ARB_texture_filter_anisotropic") ||
-                  epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic");
+  l.es = std::strncmp(l.version, "OpenGL ES", 9) == 0;
+  l.page = kInPage;
+  l.polygonMode = !l.es || HasExtension("WEBGL_polygon_mode");
+  l.provokingVertex = !l.es || HasExtension("WEBGL_provoking_vertex");
+  l.anisotropic = HasExtension("GL_ARB_texture_filter_anisotropic") ||
+                  HasExtension("GL_EXT_texture_filter_anisotropic");
   if (l.anisotropic) glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY, &l.maxAnisotropy);
-  l.s3tc = epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc");
+  l.s3tc = HasExtension("GL_EXT_texture_compression_s3tc") ||
+           HasExtension("WEBGL_compressed_texture_s3tc");
+  // Indexing a sampler array by a varying needs GLSL 4.00 or the extension;
+  // OpenGL ES 3.0 has neither.
   l.slotIndexedSamplers =
-      std::strncmp(l.renderer, "llvmpipe", 8) == 0 && epoxy_has_gl_extension("GL_ARB_gpu_shader5");
+      !l.es && std::strncmp(l.renderer, "llvmpipe", 8) == 0 && HasExtension("GL_ARB_gpu_shader5");
   l.rgb565Renderable = ColorRenderable(GL_RGB565);
   l.rgb5a1Renderable = ColorRenderable(GL_RGB5_A1);
-  l.swapImmediate = SDL_GL_SetSwapInterval(0) == 0;
-  l.swapOne = SDL_GL_SetSwapInterval(1) == 0;
+  // A page shows a frame at each of the browser's animation frames, which is
+  // the display's rate: interval one, and only that.
+  l.swapImmediate = !l.page && SDL_GL_SetSwapInterval(0) == 0;
+  l.swapOne = l.page || SDL_GL_SetSwapInterval(1) == 0;
   while (glGetError() != GL_NO_ERROR) {
   }
   l.valid = true;
@@ -123,7 +163,9 @@ const GLLimits& Limits() {
 }
 
 GLCore::~GLCore() {
-  if (context_ && SDL_WasInit(SDL_INIT_VIDEO)) {
+  // A page's canvas keeps its one WebGL context: deleting it would also take
+  // the canvas's input handlers with it. The next device gets it again.
+  if (context_ && SDL_WasInit(SDL_INIT_VIDEO) && !kInPage) {
     if (SDL_GL_GetCurrentContext() == context_) SDL_GL_MakeCurrent(window_, nullptr);
     SDL_GL_DeleteContext(static_cast<SDL_GLContext>(context_));
   }
@@ -134,7 +176,9 @@ bool GLCore::MakeCurrent() {
   return SDL_GL_MakeCurrent(window_, static_cast<SDL_GLContext>(context_)) == 0;
 }
 
-void SetWindowLookup(WindowLookup lookup) { s_lookup = lookup; }
+void SetWindowLookup(WindowLookup lookup) {
+  s_lookup = lookup;
+}
 
 SDL_Window* SdlWindowOf(HWND hWnd) {
   if (s_lookup) return static_cast<SDL_Window*>(s_lookup(hWnd));
@@ -151,7 +195,8 @@ ClientArea ClientAreaOf(HWND hWnd, SDL_Window* window) {
     // The menu bar takes the top rows; GL counts rows from the bottom, so the
     // client area starts at row 0 and is that much lower.
     // The bar is measured in window units; a scaling compositor gives more pixels.
-    const int bar = static_cast<int>(win32::MenuBarHeight(hWnd) * win32::CurrentDisplayScale().pixels);
+    const int bar =
+        static_cast<int>(win32::MenuBarHeight(hWnd) * win32::CurrentDisplayScale().pixels);
     if (bar > 0 && bar < dh) a.height = dh - bar;
   }
   return a;

@@ -2,12 +2,11 @@
 // its resources, what the machine's GL can do, the window port, logging.
 #pragma once
 
-#include <epoxy/gl.h>
-
 #include <cstdint>
 #include <memory>
 
 #include "platform/d3d9/d3d9.h"
+#include "platform/gl/GLApi.h"
 
 struct SDL_Window;
 
@@ -17,11 +16,27 @@ class GLDevice;
 
 // One log function for the layer: level and a "Class::Method" prefix, stderr.
 enum class LogLevel { Info, Warn, Error };
-void Log(LogLevel level, const char* where, const char* format, ...) __attribute__((format(printf, 3, 4)));
+void Log(LogLevel level, const char* where, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
 
-// What the GL implementation can do, read once from a probe context.
+// What the GL implementation can do, read once from a probe context. Every
+// difference between desktop OpenGL and OpenGL ES (a web page's WebGL2) that
+// the drawing code must know is decided here, once.
 struct GLLimits {
   bool valid = false;
+  // OpenGL ES 3.0: GLSL ES shaders, textures uploaded as R, G, B, A bytes
+  // (no BGRA, reversed packed formats or swizzle), no base vertex, no
+  // glGetTexImage.
+  bool es = false;
+  // The context is a web page's canvas: it has one WebGL context for its
+  // whole life, and the browser's animation frames pace the presents.
+  bool page = false;
+  // glPolygonMode is there (desktop GL; WEBGL_polygon_mode in a page).
+  // Without it wireframe draws triangles as line lists.
+  bool polygonMode = false;
+  // glProvokingVertex is there; without it flat colour comes from the last
+  // vertex of a triangle instead of the first.
+  bool provokingVertex = false;
   char renderer[256] = {};
   char version[128] = {};
   GLint maxTextureSize = 0;
@@ -38,11 +53,14 @@ struct GLLimits {
   // take a non-constant index: a merged draw then picks its texture by slot.
   bool slotIndexedSamplers = false;
 };
-// Probes once per process (a hidden window and a 3.3 core context).
+// Probes once per process (a hidden window and a 3.3 core context, or an
+// OpenGL ES 3.0 one in a page or after UseEsContext).
 const GLLimits& Limits();
 
-// Sets the attributes of a 3.3 core context; call before SDL_GL_CreateContext.
+// Sets the attributes of the context to make; call before SDL_GL_CreateContext.
 void SetContextAttributes();
+// Whether the context names an extension (with or without its "GL_" prefix).
+bool HasExtension(const char* name);
 
 // The GL context of one device. Resources share it, so a texture released
 // after its device still deletes its GL names in the right context.

@@ -43,13 +43,14 @@ class GLDevice final : public IDirect3DDevice9 {
   HRESULT Present(const RECT* src, const RECT* dst, HWND wnd, const void* dirty) override;
   HRESULT CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                         IDirect3DTexture9** out, HANDLE* shared) override;
-  HRESULT CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool, IDirect3DVertexBuffer9** out,
-                             HANDLE* shared) override;
-  HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool, IDirect3DIndexBuffer9** out,
-                            HANDLE* shared) override;
+  HRESULT CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool,
+                             IDirect3DVertexBuffer9** out, HANDLE* shared) override;
+  HRESULT CreateIndexBuffer(UINT length, DWORD usage, D3DFORMAT format, D3DPOOL pool,
+                            IDirect3DIndexBuffer9** out, HANDLE* shared) override;
   HRESULT BeginScene() override;
   HRESULT EndScene() override;
-  HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z, DWORD stencil) override;
+  HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
+                DWORD stencil) override;
   HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX* matrix) override;
   HRESULT SetViewport(const D3DVIEWPORT9* viewport) override;
   HRESULT SetRenderState(D3DRENDERSTATETYPE state, DWORD value) override;
@@ -57,16 +58,18 @@ class GLDevice final : public IDirect3DDevice9 {
   HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) override;
   HRESULT SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) override;
   HRESULT SetFVF(DWORD fvf) override;
-  HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset, UINT stride) override;
+  HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset,
+                          UINT stride) override;
   HRESULT SetIndices(IDirect3DIndexBuffer9* ib) override;
-  HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT minIndex, UINT numVertices,
-                               UINT startIndex, UINT primCount) override;
-  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) override;
+  HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT minIndex,
+                               UINT numVertices, UINT startIndex, UINT primCount) override;
+  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data,
+                          UINT stride) override;
 
   // ---- back-end hooks ------------------------------------------------------
-  void FlushBatch();                  // carries out pending merged draws
-  void FlushPending();                // merged draws, then held-back background draws
-  void ForgetTexture(GLuint name);    // a GL texture is about to be deleted
+  void FlushBatch();                // carries out pending merged draws
+  void FlushPending();              // merged draws, then held-back background draws
+  void ForgetTexture(GLuint name);  // a GL texture is about to be deleted
   bool ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
   // Draws the last presented frame into the default framebuffer of its
   // window again, as under a modal dialog; false for another window or when
@@ -83,8 +86,8 @@ class GLDevice final : public IDirect3DDevice9 {
 
   // Frame (GLDeviceFrame.cpp).
   HRESULT ApplyPresentParameters(D3DPRESENT_PARAMETERS& pp);
-  bool MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTISAMPLE_TYPE ms, DWORD quality,
-                      BOOL depth, D3DFORMAT depthFormat);
+  bool MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTISAMPLE_TYPE ms,
+                      DWORD quality, BOOL depth, D3DFORMAT depthFormat);
   void DestroyBackBuffer();
   GLuint ResolvedFramebuffer();  // single-sample copy of the back buffer
   void ShowBackBuffer();         // into the window's client area, the rest black
@@ -126,7 +129,9 @@ class GLDevice final : public IDirect3DDevice9 {
   // Program, fixed state, viewport, samplers and textures for a draw whose
   // stage-0 textures are `stage0[0..stage0Count)` (unit i holds the i-th).
   bool PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count);
-  void BindVertexLayout(GLuint buffer, const Layout& layout, UINT stride, std::size_t offset, bool slotted);
+  D3DMATRIX WorldViewProjection() const;
+  void BindVertexLayout(GLuint buffer, const Layout& layout, UINT stride, std::size_t offset,
+                        bool slotted);
   void ApplyFixedState();
   void ApplySampler(int stage, GLuint unitFirst, GLuint unitCount);
   void BindTexture(GLuint unit, GLuint name);
@@ -136,6 +141,16 @@ class GLDevice final : public IDirect3DDevice9 {
   void DrawIndexed(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount);
   std::size_t StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity, GLenum target,
                           const void* data, std::size_t bytes, std::size_t align);
+
+  // Index lists the GL cannot take as they are (GLDeviceIndices.cpp): a base
+  // vertex that no attribute offset can carry, and wireframe on a GL without
+  // polygon modes (WebGL2 in most browsers), drawn as the edges of the
+  // triangles that culling keeps. `vertices` are the draw's vertex bytes,
+  // `numbers` its vertex numbers in primitive order.
+  bool DrawsEdges(D3DPRIMITIVETYPE type) const;
+  void DrawEdges(D3DPRIMITIVETYPE type, UINT primCount, const std::vector<std::uint32_t>& numbers,
+                 const std::uint8_t* vertices, UINT stride, bool rhw);
+  void DrawNumbered(GLenum mode, const std::vector<std::uint32_t>& numbers);
 
   // ---- members ---------------------------------------------------------------
   std::shared_ptr<GLCore> core_;
@@ -152,9 +167,9 @@ class GLDevice final : public IDirect3DDevice9 {
   bool simulatedLoss_ = false, simulatedCanReset_ = false;
   bool indexSlots_ = Limits().slotIndexedSamplers;
   bool sawFocus_ = false;
-  bool ownStencil_ = false;          // the depth buffer has a stencil for the back end's use
-  bool freshDepth_ = false;          // depth and stencil cleared, nothing drawn since
-  bool replaying_ = false;           // the held-back draws are being drawn
+  bool ownStencil_ = false;  // the depth buffer has a stencil for the back end's use
+  bool freshDepth_ = false;  // depth and stencil cleared, nothing drawn since
+  bool replaying_ = false;   // the held-back draws are being drawn
   std::vector<std::unique_ptr<HeldDraw>> background_;
 
   // Recorded state: what the setters record and the next draw translates.

@@ -29,62 +29,95 @@ constexpr UINT kMaxPrimitives = 1u << 22;
 
 UINT VerticesFor(D3DPRIMITIVETYPE type, UINT count) {
   switch (type) {
-    case D3DPT_POINTLIST: return count;
-    case D3DPT_LINELIST: return count * 2;
-    case D3DPT_LINESTRIP: return count + 1;
-    case D3DPT_TRIANGLELIST: return count * 3;
+    case D3DPT_POINTLIST:
+      return count;
+    case D3DPT_LINELIST:
+      return count * 2;
+    case D3DPT_LINESTRIP:
+      return count + 1;
+    case D3DPT_TRIANGLELIST:
+      return count * 3;
     case D3DPT_TRIANGLESTRIP:
-    case D3DPT_TRIANGLEFAN: return count + 2;
+    case D3DPT_TRIANGLEFAN:
+      return count + 2;
   }
   return 0;
 }
 
 GLenum ModeOf(D3DPRIMITIVETYPE type) {
   switch (type) {
-    case D3DPT_POINTLIST: return GL_POINTS;
-    case D3DPT_LINELIST: return GL_LINES;
-    case D3DPT_LINESTRIP: return GL_LINE_STRIP;
-    case D3DPT_TRIANGLELIST: return GL_TRIANGLES;
-    case D3DPT_TRIANGLESTRIP: return GL_TRIANGLE_STRIP;
-    case D3DPT_TRIANGLEFAN: return GL_TRIANGLE_FAN;
+    case D3DPT_POINTLIST:
+      return GL_POINTS;
+    case D3DPT_LINELIST:
+      return GL_LINES;
+    case D3DPT_LINESTRIP:
+      return GL_LINE_STRIP;
+    case D3DPT_TRIANGLELIST:
+      return GL_TRIANGLES;
+    case D3DPT_TRIANGLESTRIP:
+      return GL_TRIANGLE_STRIP;
+    case D3DPT_TRIANGLEFAN:
+      return GL_TRIANGLE_FAN;
   }
   return GL_TRIANGLES;
 }
 
 GLenum BlendFactor(DWORD b) {
   switch (b) {
-    case D3DBLEND_ZERO: return GL_ZERO;
-    case D3DBLEND_ONE: return GL_ONE;
-    case D3DBLEND_SRCCOLOR: return GL_SRC_COLOR;
-    case D3DBLEND_INVSRCCOLOR: return GL_ONE_MINUS_SRC_COLOR;
-    case D3DBLEND_SRCALPHA: return GL_SRC_ALPHA;
-    case D3DBLEND_INVSRCALPHA: return GL_ONE_MINUS_SRC_ALPHA;
-    case D3DBLEND_DESTALPHA: return GL_DST_ALPHA;
-    case D3DBLEND_INVDESTALPHA: return GL_ONE_MINUS_DST_ALPHA;
-    case D3DBLEND_DESTCOLOR: return GL_DST_COLOR;
-    case D3DBLEND_INVDESTCOLOR: return GL_ONE_MINUS_DST_COLOR;
-    default: return GL_ONE;
+    case D3DBLEND_ZERO:
+      return GL_ZERO;
+    case D3DBLEND_ONE:
+      return GL_ONE;
+    case D3DBLEND_SRCCOLOR:
+      return GL_SRC_COLOR;
+    case D3DBLEND_INVSRCCOLOR:
+      return GL_ONE_MINUS_SRC_COLOR;
+    case D3DBLEND_SRCALPHA:
+      return GL_SRC_ALPHA;
+    case D3DBLEND_INVSRCALPHA:
+      return GL_ONE_MINUS_SRC_ALPHA;
+    case D3DBLEND_DESTALPHA:
+      return GL_DST_ALPHA;
+    case D3DBLEND_INVDESTALPHA:
+      return GL_ONE_MINUS_DST_ALPHA;
+    case D3DBLEND_DESTCOLOR:
+      return GL_DST_COLOR;
+    case D3DBLEND_INVDESTCOLOR:
+      return GL_ONE_MINUS_DST_COLOR;
+    default:
+      return GL_ONE;
   }
 }
 
 GLenum DepthFunc(DWORD f) {
   switch (f) {
-    case D3DCMP_NEVER: return GL_NEVER;
-    case D3DCMP_LESS: return GL_LESS;
-    case D3DCMP_EQUAL: return GL_EQUAL;
-    case D3DCMP_LESSEQUAL: return GL_LEQUAL;
-    case D3DCMP_GREATER: return GL_GREATER;
-    case D3DCMP_NOTEQUAL: return GL_NOTEQUAL;
-    case D3DCMP_GREATEREQUAL: return GL_GEQUAL;
-    default: return GL_ALWAYS;
+    case D3DCMP_NEVER:
+      return GL_NEVER;
+    case D3DCMP_LESS:
+      return GL_LESS;
+    case D3DCMP_EQUAL:
+      return GL_EQUAL;
+    case D3DCMP_LESSEQUAL:
+      return GL_LEQUAL;
+    case D3DCMP_GREATER:
+      return GL_GREATER;
+    case D3DCMP_NOTEQUAL:
+      return GL_NOTEQUAL;
+    case D3DCMP_GREATEREQUAL:
+      return GL_GEQUAL;
+    default:
+      return GL_ALWAYS;
   }
 }
 
 GLint AddressMode(DWORD a) {
   switch (a) {
-    case D3DTADDRESS_CLAMP: return GL_CLAMP_TO_EDGE;
-    case D3DTADDRESS_MIRROR: return GL_MIRRORED_REPEAT;
-    default: return GL_REPEAT;
+    case D3DTADDRESS_CLAMP:
+      return GL_CLAMP_TO_EDGE;
+    case D3DTADDRESS_MIRROR:
+      return GL_MIRRORED_REPEAT;
+    default:
+      return GL_REPEAT;
   }
 }
 
@@ -92,11 +125,19 @@ void Multiply(const D3DMATRIX& a, const D3DMATRIX& b, D3DMATRIX& out) {
   D3DMATRIX r{};
   for (int i = 0; i < 4; ++i)
     for (int j = 0; j < 4; ++j)
-      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] + a.m[i][3] * b.m[3][j];
+      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] +
+                  a.m[i][3] * b.m[3][j];
   out = r;
 }
 
 }  // namespace
+
+D3DMATRIX GLDevice::WorldViewProjection() const {
+  D3DMATRIX wv, wvp;
+  Multiply(state_.world, state_.view, wv);
+  Multiply(wv, state_.proj, wvp);
+  return wvp;
+}
 
 GLDevice::Layout GLDevice::LayoutOf(DWORD fvf) {
   Layout l;
@@ -154,8 +195,9 @@ void GLDevice::ApplySampler(int stage, GLuint unitFirst, GLuint unitCount) {
     else
       glMin = minLinear ? GL_LINEAR : GL_NEAREST;  // D3DTEXF_NONE: the top level only
     glSamplerParameteri(s, GL_TEXTURE_MIN_FILTER, glMin);
-    glSamplerParameteri(s, GL_TEXTURE_MAG_FILTER,
-                        magF == D3DTEXF_LINEAR || magF == D3DTEXF_ANISOTROPIC ? GL_LINEAR : GL_NEAREST);
+    glSamplerParameteri(
+        s, GL_TEXTURE_MAG_FILTER,
+        magF == D3DTEXF_LINEAR || magF == D3DTEXF_ANISOTROPIC ? GL_LINEAR : GL_NEAREST);
     glSamplerParameteri(s, GL_TEXTURE_WRAP_S, AddressMode(st[D3DSAMP_ADDRESSU]));
     glSamplerParameteri(s, GL_TEXTURE_WRAP_T, AddressMode(st[D3DSAMP_ADDRESSV]));
     if (Limits().anisotropic) {
@@ -207,9 +249,14 @@ void GLDevice::ApplyFixedState() {
       glDisable(GL_CULL_FACE);
     }
   });
-  set(gl_.fill, int(state_.rs[D3DRS_FILLMODE]), [](int f) {
-    glPolygonMode(GL_FRONT_AND_BACK, f == D3DFILL_WIREFRAME ? GL_LINE : f == D3DFILL_POINT ? GL_POINT : GL_FILL);
-  });
+  // Without polygon modes the draws themselves give wireframe (DrawsEdges).
+  if (Limits().polygonMode) {
+    set(gl_.fill, int(state_.rs[D3DRS_FILLMODE]), [](int f) {
+      glPolygonMode(GL_FRONT_AND_BACK, f == D3DFILL_WIREFRAME ? GL_LINE
+                                       : f == D3DFILL_POINT   ? GL_POINT
+                                                              : GL_FILL);
+    });
+  }
   set(gl_.dither, state_.rs[D3DRS_DITHERENABLE] != 0, enable(GL_DITHER));
   fixedDirty_ = false;
 }
@@ -230,6 +277,7 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
   stages[0].hasTexture = stage0Count > 0;
   ShaderKey key = MakeShaderKey(stages, state_.fvf, stage0Count,
                                 state_.rs[D3DRS_SHADEMODE] == D3DSHADE_FLAT, indexSlots_);
+  key.es = Limits().es;
   ShaderProgram* prog = shaders_.Get(key);
   if (prog == nullptr) return false;
   if (currentProgram_ != prog->program) {
@@ -237,9 +285,7 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
     currentProgram_ = prog->program;
   }
   if (prog->wvpSerial != wvpSerial_) {
-    D3DMATRIX wv, wvp;
-    Multiply(state_.world, state_.view, wv);
-    Multiply(wv, state_.proj, wvp);
+    const D3DMATRIX wvp = WorldViewProjection();
     // Row-major data read as column-major is the transpose: see the shader.
     glUniformMatrix4fv(prog->wvp, 1, GL_FALSE, &wvp.m[0][0]);
     prog->wvpSerial = wvpSerial_;
@@ -255,7 +301,7 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
     glViewport(GLint(state_.viewport.X),
                GLint(bbHeight_ - state_.viewport.Y - state_.viewport.Height),
                GLsizei(state_.viewport.Width), GLsizei(state_.viewport.Height));
-    glDepthRange(state_.viewport.MinZ, state_.viewport.MaxZ);
+    glDepthRangef(state_.viewport.MinZ, state_.viewport.MaxZ);
     viewportDirty_ = false;
   }
   if (key.stages[0].hasTexture) {
@@ -270,14 +316,17 @@ bool GLDevice::PrepareDraw(IDirect3DBaseTexture9* const* stage0, int stage0Count
   return true;
 }
 
-void GLDevice::BindVertexLayout(GLuint buffer, const Layout& l, UINT stride, std::size_t offset, bool slotted) {
+void GLDevice::BindVertexLayout(GLuint buffer, const Layout& l, UINT stride, std::size_t offset,
+                                bool slotted) {
   glBindBuffer(GL_ARRAY_BUFFER, buffer);
   auto at = [offset](UINT o) { return reinterpret_cast<const void*>(offset + o); };
   glVertexAttribPointer(kAttrPosition, l.rhw ? 4 : 3, GL_FLOAT, GL_FALSE, GLsizei(stride), at(0));
   if (l.hasColor) {
     glEnableVertexAttribArray(kAttrColor);
-    // D3DCOLOR words are bytes B, G, R, A in memory.
-    glVertexAttribPointer(kAttrColor, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, GLsizei(stride), at(l.color));
+    // D3DCOLOR words are bytes B, G, R, A in memory; OpenGL ES reads them as
+    // R, G, B, A and the shader swaps them.
+    glVertexAttribPointer(kAttrColor, Limits().es ? 4 : GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE,
+                          GLsizei(stride), at(l.color));
   } else {
     glDisableVertexAttribArray(kAttrColor);  // the constant opaque white
   }
@@ -285,7 +334,8 @@ void GLDevice::BindVertexLayout(GLuint buffer, const Layout& l, UINT stride, std
     GLuint loc = i == 0 ? kAttrTex0 : kAttrTex1;
     if (i < l.texSets) {
       glEnableVertexAttribArray(loc);
-      glVertexAttribPointer(loc, 2, GL_FLOAT, GL_FALSE, GLsizei(stride), at(i == 0 ? l.tex0 : l.tex1));
+      glVertexAttribPointer(loc, 2, GL_FLOAT, GL_FALSE, GLsizei(stride),
+                            at(i == 0 ? l.tex0 : l.tex1));
     } else {
       glDisableVertexAttribArray(loc);
     }
@@ -293,14 +343,16 @@ void GLDevice::BindVertexLayout(GLuint buffer, const Layout& l, UINT stride, std
   if (!slotted) glDisableVertexAttribArray(kAttrSlot);
 }
 
-std::size_t GLDevice::StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity, GLenum target,
-                                  const void* data, std::size_t bytes, std::size_t align) {
+std::size_t GLDevice::StreamWrite(GLuint& buffer, std::size_t& offset, std::size_t& capacity,
+                                  GLenum target, const void* data, std::size_t bytes,
+                                  std::size_t align) {
   if (target == GL_ELEMENT_ARRAY_BUFFER) currentElementBuffer_ = buffer;
   glBindBuffer(target, buffer);
   offset = (offset + align - 1) / align * align;
   if (offset + bytes > capacity) {
     // Orphan the old storage: draws still reading it keep it, we write anew.
-    const std::size_t least = target == GL_ELEMENT_ARRAY_BUFFER ? kStreamIndexBytes : kStreamVertexBytes;
+    const std::size_t least =
+        target == GL_ELEMENT_ARRAY_BUFFER ? kStreamIndexBytes : kStreamVertexBytes;
     capacity = std::max(capacity, std::max(least, bytes * 2));
     glBufferData(target, GLsizeiptr(capacity), nullptr, GL_STREAM_DRAW);
     offset = 0;
@@ -316,18 +368,25 @@ void GLDevice::FlushBatch() {
   Batch& b = batch_;
   Layout layout = LayoutOf(b.fvf);
   if (core_->MakeCurrent() && PrepareDraw(b.textures, b.textureCount)) {
-    std::size_t vOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.vertices.data(),
-                                   b.vertices.size(), 16);
-    std::size_t sOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, b.slots.data(),
-                                   b.slots.size(), 4);
-    std::size_t iOff = StreamWrite(streamIb_, streamIbOffset_, streamIbCapacity_, GL_ELEMENT_ARRAY_BUFFER,
-                                   b.indices.data(), b.indices.size() * 2, 2);
+    std::size_t vOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER,
+                                   b.vertices.data(), b.vertices.size(), 16);
+    std::size_t sOff = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER,
+                                   b.slots.data(), b.slots.size(), 4);
+    std::size_t iOff =
+        StreamWrite(streamIb_, streamIbOffset_, streamIbCapacity_, GL_ELEMENT_ARRAY_BUFFER,
+                    b.indices.data(), b.indices.size() * 2, 2);
     BindVertexLayout(streamVb_, layout, b.stride, vOff, true);
     glEnableVertexAttribArray(kAttrSlot);
     glVertexAttribIPointer(kAttrSlot, 1, GL_UNSIGNED_BYTE, 1, reinterpret_cast<const void*>(sOff));
-    glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_SHORT,
-                   reinterpret_cast<const void*>(iOff));
-    ++stats_.glDrawCalls;
+    if (DrawsEdges(D3DPT_TRIANGLELIST)) {
+      DrawEdges(D3DPT_TRIANGLELIST, UINT(b.indices.size() / 3),
+                std::vector<std::uint32_t>(b.indices.begin(), b.indices.end()), b.vertices.data(),
+                b.stride, layout.rhw);
+    } else {
+      glDrawElements(GL_TRIANGLES, GLsizei(b.indices.size()), GL_UNSIGNED_SHORT,
+                     reinterpret_cast<const void*>(iOff));
+      ++stats_.glDrawCalls;
+    }
     ++stats_.upGlDraws;
   }
   for (int i = 0; i < b.textureCount; ++i) {
@@ -345,15 +404,22 @@ void GLDevice::DrawUnbatched(D3DPRIMITIVETYPE type, UINT primCount, const void* 
   Layout layout = LayoutOf(state_.fvf);
   if (!PrepareDraw(state_.textures, state_.textures[0] != nullptr ? 1 : 0)) return;
   UINT n = VerticesFor(type, primCount);
-  std::size_t off = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER, data,
-                                std::size_t(n) * stride, 16);
+  std::size_t off = StreamWrite(streamVb_, streamVbOffset_, streamVbCapacity_, GL_ARRAY_BUFFER,
+                                data, std::size_t(n) * stride, 16);
   BindVertexLayout(streamVb_, layout, stride, off, false);
-  glDrawArrays(ModeOf(type), 0, GLsizei(n));
-  ++stats_.glDrawCalls;
+  if (DrawsEdges(type)) {
+    std::vector<std::uint32_t> numbers(n);
+    for (UINT i = 0; i < n; ++i) numbers[i] = i;
+    DrawEdges(type, primCount, numbers, static_cast<const std::uint8_t*>(data), stride, layout.rhw);
+  } else {
+    glDrawArrays(ModeOf(type), 0, GLsizei(n));
+    ++stats_.glDrawCalls;
+  }
   ++stats_.upGlDraws;
 }
 
-HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data, UINT stride) {
+HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const void* data,
+                                  UINT stride) {
   Layout layout = LayoutOf(state_.fvf);
   UINT n = VerticesFor(type, primCount);
   if (data == nullptr || primCount == 0 || primCount > kMaxPrimitives || n == 0 || !layout.valid ||
@@ -417,8 +483,8 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
   return D3D_OK;
 }
 
-HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT minIndex, UINT numVertices,
-                                       UINT startIndex, UINT primCount) {
+HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UINT minIndex,
+                                       UINT numVertices, UINT startIndex, UINT primCount) {
   (void)minIndex;
   (void)numVertices;  // hints only: the real range is checked below
   Layout layout = LayoutOf(state_.fvf);
@@ -447,7 +513,8 @@ HRESULT GLDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT baseVertex, UI
   std::int64_t vertices = std::int64_t(state_.stream->length() -
                                        std::min(state_.streamOffset, state_.stream->length())) /
                           state_.streamStride;
-  if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices) return D3DERR_INVALIDCALL;
+  if (std::int64_t(baseVertex) + lo < 0 || std::int64_t(baseVertex) + hi >= vertices)
+    return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   FlushBatch();
   if (freshDepth_ && !WritesDepth())
@@ -461,15 +528,38 @@ void GLDevice::DrawIndexed(D3DPRIMITIVETYPE type, INT baseVertex, UINT startInde
   if (!PrepareDraw(state_.textures, state_.textures[0] != nullptr ? 1 : 0)) return;
   const Layout layout = LayoutOf(state_.fvf);
   const UINT indexSize = state_.indices->format() == D3DFMT_INDEX32 ? 4 : 2;
-  BindVertexLayout(state_.stream->name(), layout, state_.streamStride, state_.streamOffset, false);
-  if (currentElementBuffer_ != state_.indices->name()) {
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, state_.indices->name());
-    currentElementBuffer_ = state_.indices->name();
+  const UINT stride = state_.streamStride;
+  // The base vertex moves where the attributes start: one path for every GL,
+  // OpenGL ES having no glDrawElementsBaseVertex.
+  const std::int64_t first = std::int64_t(state_.streamOffset) + std::int64_t(baseVertex) * stride;
+  const bool edges = DrawsEdges(type);
+  if (first >= 0 && !edges) {
+    BindVertexLayout(state_.stream->name(), layout, stride, std::size_t(first), false);
+    if (currentElementBuffer_ != state_.indices->name()) {
+      glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, state_.indices->name());
+      currentElementBuffer_ = state_.indices->name();
+    }
+    glDrawElements(ModeOf(type), GLsizei(VerticesFor(type, primCount)),
+                   indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
+                   reinterpret_cast<const void*>(std::size_t(startIndex) * indexSize));
+    ++stats_.glDrawCalls;
+    return;
   }
-  glDrawElementsBaseVertex(ModeOf(type), GLsizei(VerticesFor(type, primCount)),
-                           indexSize == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
-                           reinterpret_cast<const void*>(std::size_t(startIndex) * indexSize), baseVertex);
-  ++stats_.glDrawCalls;
+  // The indices with the base vertex added, counted from the stream offset.
+  const UINT n = VerticesFor(type, primCount);
+  const std::uint8_t* ib = state_.indices->bytes().data() + std::size_t(startIndex) * indexSize;
+  std::vector<std::uint32_t> numbers(n);
+  for (UINT i = 0; i < n; ++i) {
+    std::uint32_t v = 0;
+    std::memcpy(&v, ib + std::size_t(i) * indexSize, indexSize);  // little-endian, as the platform
+    numbers[i] = std::uint32_t(std::int64_t(v) + baseVertex);
+  }
+  BindVertexLayout(state_.stream->name(), layout, stride, state_.streamOffset, false);
+  if (edges)
+    DrawEdges(type, primCount, numbers, state_.stream->bytes().data() + state_.streamOffset, stride,
+              layout.rhw);
+  else
+    DrawNumbered(ModeOf(type), numbers);
 }
 
 }  // namespace d3d9gl

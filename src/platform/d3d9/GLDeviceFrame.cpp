@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-
 #include <utility>
 
 #include "platform/d3d9/GLDevice.h"
@@ -16,7 +15,9 @@ namespace d3d9gl {
 
 namespace {
 // The window's overlay UI (its menu bar) unless a test puts its own hook in.
-void DrawOverlay(HWND hWnd, void*) { win32::overlay::DrawWindowOverlay(hWnd); }
+void DrawOverlay(HWND hWnd, void*) {
+  win32::overlay::DrawWindowOverlay(hWnd);
+}
 
 PresentHook s_presentHook = &DrawOverlay;
 void* s_presentHookUser = nullptr;
@@ -46,7 +47,8 @@ void ReturnFreedMemory(std::uint32_t presents) {
 
 // ---- life ------------------------------------------------------------------
 
-GLDevice::GLDevice(std::shared_ptr<GLCore> core, HWND window) : core_(std::move(core)), window_(window) {}
+GLDevice::GLDevice(std::shared_ptr<GLCore> core, HWND window)
+    : core_(std::move(core)), window_(window) {}
 
 GLDevice::~GLDevice() {
   bool current = core_->MakeCurrent();
@@ -71,11 +73,13 @@ GLDevice::~GLDevice() {
   if (s_shown == this) s_shown = nullptr;
 }
 
-HRESULT GLDevice::Create(HWND focusWindow, DWORD behaviorFlags, D3DPRESENT_PARAMETERS* pp, IDirect3DDevice9** out) {
+HRESULT GLDevice::Create(HWND focusWindow, DWORD behaviorFlags, D3DPRESENT_PARAMETERS* pp,
+                         IDirect3DDevice9** out) {
   if (out == nullptr || pp == nullptr) return D3DERR_INVALIDCALL;
   *out = nullptr;
-  DWORD vp = behaviorFlags & (D3DCREATE_SOFTWARE_VERTEXPROCESSING | D3DCREATE_HARDWARE_VERTEXPROCESSING |
-                              D3DCREATE_MIXED_VERTEXPROCESSING);
+  DWORD vp =
+      behaviorFlags & (D3DCREATE_SOFTWARE_VERTEXPROCESSING | D3DCREATE_HARDWARE_VERTEXPROCESSING |
+                       D3DCREATE_MIXED_VERTEXPROCESSING);
   if (vp != D3DCREATE_SOFTWARE_VERTEXPROCESSING && vp != D3DCREATE_HARDWARE_VERTEXPROCESSING &&
       vp != D3DCREATE_MIXED_VERTEXPROCESSING)
     return D3DERR_INVALIDCALL;  // exactly one kind of vertex processing
@@ -122,11 +126,13 @@ void GLDevice::InitGL() {
   // Clockwise on screen is the platform's front face; the image is kept
   // upright in the framebuffer, so GL sees the same winding.
   glFrontFace(GL_CW);
-  glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
+  if (Limits().provokingVertex) glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
 }
 
-ULONG GLDevice::AddRef() { return ++refs_; }
+ULONG GLDevice::AddRef() {
+  return ++refs_;
+}
 
 ULONG GLDevice::Release() {
   ULONG left = --refs_;
@@ -134,7 +140,9 @@ ULONG GLDevice::Release() {
   return left;
 }
 
-GLDevice* GLDevice::From(IDirect3DDevice9* device) { return dynamic_cast<GLDevice*>(device); }
+GLDevice* GLDevice::From(IDirect3DDevice9* device) {
+  return dynamic_cast<GLDevice*>(device);
+}
 
 // ---- back buffer ---------------------------------------------------------------
 
@@ -148,8 +156,8 @@ void GLDevice::DestroyBackBuffer() {
   ownStencil_ = freshDepth_ = false;
 }
 
-bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTISAMPLE_TYPE ms, DWORD quality,
-                              BOOL depth, D3DFORMAT depthFormat) {
+bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTISAMPLE_TYPE ms,
+                              DWORD quality, BOOL depth, D3DFORMAT depthFormat) {
   DestroyBackBuffer();
   int samples = 0;
   if (ms == D3DMULTISAMPLE_NONMASKABLE) {
@@ -178,9 +186,10 @@ bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTI
     const GLenum df = ownStencil_ ? twin : DepthInternalFormat(depthFormat);
     glGenRenderbuffers(1, &depthRb_);
     storage(depthRb_, df, samples);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER,
-                              df == GL_DEPTH24_STENCIL8 ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
-                              GL_RENDERBUFFER, depthRb_);
+    glFramebufferRenderbuffer(
+        GL_FRAMEBUFFER,
+        df == GL_DEPTH24_STENCIL8 ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
+        GL_RENDERBUFFER, depthRb_);
   }
   bool ok = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
   if (ok && samples > 0) {
@@ -193,8 +202,8 @@ bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTI
     glBindFramebuffer(GL_FRAMEBUFFER, fbo_);
   }
   if (!ok) {
-    Log(LogLevel::Error, "GLDevice::MakeBackBuffer", "incomplete %ux%u back buffer (%d samples)", width, height,
-        samples);
+    Log(LogLevel::Error, "GLDevice::MakeBackBuffer", "incomplete %ux%u back buffer (%d samples)",
+        width, height, samples);
     DestroyBackBuffer();
     return false;
   }
@@ -206,7 +215,7 @@ bool GLDevice::MakeBackBuffer(UINT width, UINT height, D3DFORMAT color, D3DMULTI
   gl_.depthMask = 1;
   fixedDirty_ = true;
   glClearColor(0, 0, 0, 0);
-  glClearDepth(1.0);
+  glClearDepthf(1.0f);
   glClear(GL_COLOR_BUFFER_BIT | (depth ? GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT : 0));
   return true;
 }
@@ -215,8 +224,8 @@ GLuint GLDevice::ResolvedFramebuffer() {
   if (resolveFbo_ == 0) return fbo_;
   glBindFramebuffer(GL_READ_FRAMEBUFFER, fbo_);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, resolveFbo_);
-  glBlitFramebuffer(0, 0, GLint(bbWidth_), GLint(bbHeight_), 0, 0, GLint(bbWidth_), GLint(bbHeight_),
-                    GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  glBlitFramebuffer(0, 0, GLint(bbWidth_), GLint(bbHeight_), 0, 0, GLint(bbWidth_),
+                    GLint(bbHeight_), GL_COLOR_BUFFER_BIT, GL_NEAREST);
   glBindFramebuffer(GL_FRAMEBUFFER, fbo_);
   return resolveFbo_;
 }
@@ -239,10 +248,15 @@ HRESULT GLDevice::ApplyPresentParameters(D3DPRESENT_PARAMETERS& pp) {
   }
   int interval;
   switch (pp.PresentationInterval) {
-    case D3DPRESENT_INTERVAL_IMMEDIATE: interval = 0; break;
+    case D3DPRESENT_INTERVAL_IMMEDIATE:
+      interval = 0;
+      break;
     case D3DPRESENT_INTERVAL_DEFAULT:
-    case D3DPRESENT_INTERVAL_ONE: interval = 1; break;
-    default: return D3DERR_INVALIDCALL;  // SDL swaps every frame or immediately
+    case D3DPRESENT_INTERVAL_ONE:
+      interval = 1;
+      break;
+    default:
+      return D3DERR_INVALIDCALL;  // SDL swaps every frame or immediately
   }
   if (!pp.Windowed) {
     if (pp.BackBufferWidth == 0 || pp.BackBufferHeight == 0) return D3DERR_INVALIDCALL;
@@ -250,9 +264,12 @@ HRESULT GLDevice::ApplyPresentParameters(D3DPRESENT_PARAMETERS& pp) {
                          int(pp.FullScreen_RefreshRateInHz), nullptr};
     SDL_DisplayMode mode;
     int display = SDL_GetWindowDisplayIndex(window);
-    if (SDL_GetClosestDisplayMode(display < 0 ? 0 : display, &want, &mode) == nullptr) return D3DERR_INVALIDCALL;
-    if (SDL_SetWindowDisplayMode(window, &mode) != 0 || SDL_SetWindowFullscreen(window, SDL_WINDOW_FULLSCREEN) != 0) {
-      Log(LogLevel::Error, "GLDevice::Reset", "cannot go full screen at %dx%d: %s", mode.w, mode.h, SDL_GetError());
+    if (SDL_GetClosestDisplayMode(display < 0 ? 0 : display, &want, &mode) == nullptr)
+      return D3DERR_INVALIDCALL;
+    if (SDL_SetWindowDisplayMode(window, &mode) != 0 ||
+        SDL_SetWindowFullscreen(window, SDL_WINDOW_FULLSCREEN) != 0) {
+      Log(LogLevel::Error, "GLDevice::Reset", "cannot go full screen at %dx%d: %s", mode.w, mode.h,
+          SDL_GetError());
       return D3DERR_NOTAVAILABLE;
     }
   } else {
@@ -261,13 +278,15 @@ HRESULT GLDevice::ApplyPresentParameters(D3DPRESENT_PARAMETERS& pp) {
     if (pp.BackBufferWidth == 0) pp.BackBufferWidth = UINT(std::max(area.width, 1));
     if (pp.BackBufferHeight == 0) pp.BackBufferHeight = UINT(std::max(area.height, 1));
   }
-  if (GLint(pp.BackBufferWidth) > Limits().maxTextureSize || GLint(pp.BackBufferHeight) > Limits().maxTextureSize)
+  if (GLint(pp.BackBufferWidth) > Limits().maxTextureSize ||
+      GLint(pp.BackBufferHeight) > Limits().maxTextureSize)
     return D3DERR_INVALIDCALL;
   pp.BackBufferCount = 1;
-  if (!MakeBackBuffer(pp.BackBufferWidth, pp.BackBufferHeight, pp.BackBufferFormat, pp.MultiSampleType,
-                      pp.MultiSampleQuality, pp.EnableAutoDepthStencil, pp.AutoDepthStencilFormat))
+  if (!MakeBackBuffer(pp.BackBufferWidth, pp.BackBufferHeight, pp.BackBufferFormat,
+                      pp.MultiSampleType, pp.MultiSampleQuality, pp.EnableAutoDepthStencil,
+                      pp.AutoDepthStencilFormat))
     return D3DERR_OUTOFVIDEOMEMORY;
-  SDL_GL_SetSwapInterval(interval);
+  if (!Limits().page) SDL_GL_SetSwapInterval(interval);
   pp_ = pp;
   return D3D_OK;
 }
@@ -287,11 +306,14 @@ HRESULT GLDevice::EndScene() {
   return D3D_OK;
 }
 
-HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z, DWORD stencil) {
-  if ((count > 0 && rects == nullptr) || (flags & ~DWORD(D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL)))
+HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
+                        DWORD stencil) {
+  if ((count > 0 && rects == nullptr) ||
+      (flags & ~DWORD(D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL)))
     return D3DERR_INVALIDCALL;
   if ((flags & D3DCLEAR_ZBUFFER) && depthRb_ == 0) return D3DERR_INVALIDCALL;
-  if ((flags & D3DCLEAR_STENCIL) && pp_.AutoDepthStencilFormat != D3DFMT_D24S8) return D3DERR_INVALIDCALL;
+  if ((flags & D3DCLEAR_STENCIL) && pp_.AutoDepthStencilFormat != D3DFMT_D24S8)
+    return D3DERR_INVALIDCALL;
   if (lost_ || !core_->MakeCurrent()) return D3D_OK;
   FlushPending();
   GLbitfield mask = 0;
@@ -305,9 +327,9 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
     mask |= GL_STENCIL_BUFFER_BIT;
     stencil = 0;
   }
-  glClearColor(float((color >> 16) & 0xFF) / 255.0f, float((color >> 8) & 0xFF) / 255.0f, float(color & 0xFF) / 255.0f,
-               float(color >> 24) / 255.0f);
-  glClearDepth(std::clamp(z, 0.0f, 1.0f));
+  glClearColor(float((color >> 16) & 0xFF) / 255.0f, float((color >> 8) & 0xFF) / 255.0f,
+               float(color & 0xFF) / 255.0f, float(color >> 24) / 255.0f);
+  glClearDepthf(std::clamp(z, 0.0f, 1.0f));
   glClearStencil(GLint(stencil));
   // The platform clears whatever the depth write state says.
   glDepthMask(GL_TRUE);
@@ -321,11 +343,13 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
   bool everyPixel = false;
   for (DWORD i = 0; i < std::max<DWORD>(count, 1); ++i) {
     const D3DRECT& r = count ? rects[i] : whole;
-    LONG x1 = std::max(r.x1, vx1), y1 = std::max(r.y1, vy1), x2 = std::min(r.x2, vx2), y2 = std::min(r.y2, vy2);
+    LONG x1 = std::max(r.x1, vx1), y1 = std::max(r.y1, vy1), x2 = std::min(r.x2, vx2),
+         y2 = std::min(r.y2, vy2);
     if (x2 <= x1 || y2 <= y1) continue;
     glScissor(x1, GLint(bbHeight_) - y2, x2 - x1, y2 - y1);
     glClear(mask);
-    everyPixel = everyPixel || (x1 == 0 && y1 == 0 && UINT(x2) == bbWidth_ && UINT(y2) == bbHeight_);
+    everyPixel =
+        everyPixel || (x1 == 0 && y1 == 0 && UINT(x2) == bbWidth_ && UINT(y2) == bbHeight_);
   }
   freshDepth_ = !PlainPath() && ownStencil_ && (flags & D3DCLEAR_ZBUFFER) && everyPixel;
   glDisable(GL_SCISSOR_TEST);
@@ -345,7 +369,8 @@ bool GLDevice::LossConditionHolds() {
 }
 
 HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void* dirty) {
-  if (src != nullptr || dst != nullptr || wnd != nullptr || dirty != nullptr) return D3DERR_INVALIDCALL;
+  if (src != nullptr || dst != nullptr || wnd != nullptr || dirty != nullptr)
+    return D3DERR_INVALIDCALL;
   if (!core_->MakeCurrent()) return D3DERR_DEVICELOST;
   FlushPending();
   if (lost_ || simulatedLoss_) return D3DERR_DEVICELOST;
@@ -474,18 +499,21 @@ FrameStats GLDevice::Stats() const {
   return s;
 }
 
-bool ReadBackBufferRGBA(IDirect3DDevice9* device, std::vector<std::uint8_t>& rgba, UINT& width, UINT& height) {
+bool ReadBackBufferRGBA(IDirect3DDevice9* device, std::vector<std::uint8_t>& rgba, UINT& width,
+                        UINT& height) {
   GLDevice* d = GLDevice::From(device);
   return d != nullptr && d->ReadBack(rgba, width, height);
 }
 
-bool ReadBackBuffer(IDirect3DDevice9* device, std::vector<std::uint32_t>& argb, UINT& width, UINT& height) {
+bool ReadBackBuffer(IDirect3DDevice9* device, std::vector<std::uint32_t>& argb, UINT& width,
+                    UINT& height) {
   std::vector<std::uint8_t> rgba;
   if (!ReadBackBufferRGBA(device, rgba, width, height)) return false;
   argb.resize(rgba.size() / 4);
   for (std::size_t i = 0; i < argb.size(); ++i) {
     const std::uint8_t* p = &rgba[i * 4];
-    argb[i] = std::uint32_t(p[3]) << 24 | std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2];
+    argb[i] =
+        std::uint32_t(p[3]) << 24 | std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2];
   }
   return true;
 }
@@ -518,13 +546,21 @@ bool s_plainPath = false;
 bool s_offerDepth32 = true;
 }  // namespace
 
-void UsePlainPath(bool plain) { s_plainPath = plain; }
+void UsePlainPath(bool plain) {
+  s_plainPath = plain;
+}
 
-bool PlainPath() { return s_plainPath; }
+bool PlainPath() {
+  return s_plainPath;
+}
 
-void OfferDepth32(bool offer) { s_offerDepth32 = offer; }
+void OfferDepth32(bool offer) {
+  s_offerDepth32 = offer;
+}
 
-bool Depth32Offered() { return s_offerDepth32; }
+bool Depth32Offered() {
+  return s_offerDepth32;
+}
 
 void SetPresentHook(PresentHook hook, void* user) {
   s_presentHook = hook ? hook : &DrawOverlay;

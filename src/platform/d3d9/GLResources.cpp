@@ -9,8 +9,8 @@ namespace d3d9gl {
 
 // ---- GLTexture ----------------------------------------------------------------
 
-GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT levels, DWORD usage,
-                     const TextureFormat& format, D3DPOOL pool)
+GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT levels,
+                     DWORD usage, const TextureFormat& format, D3DPOOL pool)
     : core_(std::move(core)), format_(format), usage_(usage), pool_(pool) {
   if (pool_ == D3DPOOL_DEFAULT) ++core_->defaultPoolResources;
   if (!core_->MakeCurrent()) return;
@@ -24,8 +24,8 @@ GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT
     Level l{w, h, LevelPitch(format, w), LevelRows(format, h), {}};
     if (format.compressed) {
       l.data.assign(std::size_t(l.pitch) * l.rows, 0);
-      glCompressedTexImage2D(GL_TEXTURE_2D, GLint(i), format.internalFormat, GLsizei(w), GLsizei(h), 0,
-                             GLsizei(l.data.size()), l.data.data());
+      glCompressedTexImage2D(GL_TEXTURE_2D, GLint(i), format.internalFormat, GLsizei(w), GLsizei(h),
+                             0, GLsizei(l.data.size()), l.data.data());
     } else {
       glTexImage2D(GL_TEXTURE_2D, GLint(i), GLint(format.internalFormat), GLsizei(w), GLsizei(h), 0,
                    format.dataFormat, format.dataType, nullptr);
@@ -38,14 +38,15 @@ GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT
   // under a mip filter and samples black.
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, GLint(levels) - 1);
-  if (format.opaque) glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, GL_ONE);
+  if (format.opaque && !Limits().es) glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, GL_ONE);
   // New texels read as zero. An uncompressed level gets its zeros in GL only
   // if it is drawn before anything is written to it: a loaded picture writes
   // every level at once, and zeros sent first would double the cost of its
   // upload (38 ms for the 2048x2048 ground picture on software GL).
   zeroLevelsUndefined_ = !format.compressed;
   if (glGetError() != GL_NO_ERROR) {
-    Log(LogLevel::Error, "GLTexture::GLTexture", "GL refused a %ux%u texture of %u levels", width, height, levels);
+    Log(LogLevel::Error, "GLTexture::GLTexture", "GL refused a %ux%u texture of %u levels", width,
+        height, levels);
     glDeleteTextures(1, &name_);
     name_ = 0;
     return;
@@ -59,8 +60,10 @@ GLTexture::GLTexture(std::shared_ptr<GLCore> core, UINT width, UINT height, UINT
 // software GL, where the texture store is process memory too, the copy would
 // double what every picture costs. Compressed levels keep theirs, as a driver
 // may hold them decompressed and could not give the same blocks back.
+// OpenGL ES cannot read texels back (no glGetTexImage), so there every level
+// keeps its copy.
 void GLTexture::DropCopy(Level& l) {
-  if (!format_.compressed) std::vector<std::uint8_t>().swap(l.data);
+  if (!format_.compressed && !Limits().es) std::vector<std::uint8_t>().swap(l.data);
 }
 
 // A lock of a level whose copy was dropped reads the texels back from GL,
@@ -76,7 +79,8 @@ bool GLTexture::RestoreCopy(UINT level) {
   glBindTexture(GL_TEXTURE_2D, name_);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
-  glGetTexImage(GL_TEXTURE_2D, GLint(level), format_.dataFormat, format_.dataType, l.data.data());
+  if constexpr (karvo_gl::kDesktopApi)
+    glGetTexImage(GL_TEXTURE_2D, GLint(level), format_.dataFormat, format_.dataType, l.data.data());
   return true;
 }
 
@@ -106,7 +110,9 @@ GLTexture::~GLTexture() {
   }
 }
 
-ULONG GLTexture::AddRef() { return ++refs_; }
+ULONG GLTexture::AddRef() {
+  return ++refs_;
+}
 
 ULONG GLTexture::Release() {
   ULONG left = --refs_;
@@ -114,24 +120,28 @@ ULONG GLTexture::Release() {
   return left;
 }
 
-DWORD GLTexture::GetLevelCount() { return DWORD(levels_.size()); }
+DWORD GLTexture::GetLevelCount() {
+  return DWORD(levels_.size());
+}
 
 HRESULT GLTexture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {
   if (desc == nullptr || level >= levels_.size()) return D3DERR_INVALIDCALL;
-  *desc = D3DSURFACE_DESC{format_.format,      D3DRTYPE_SURFACE,      usage_,
-                          pool_,               D3DMULTISAMPLE_NONE,   0,
-                          levels_[level].width, levels_[level].height};
+  *desc = D3DSURFACE_DESC{
+      format_.format,       D3DRTYPE_SURFACE,     usage_, pool_, D3DMULTISAMPLE_NONE, 0,
+      levels_[level].width, levels_[level].height};
   return D3D_OK;
 }
 
 HRESULT GLTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
-  if (locked == nullptr || level >= levels_.size() || levels_[level].locked) return D3DERR_INVALIDCALL;
+  if (locked == nullptr || level >= levels_.size() || levels_[level].locked)
+    return D3DERR_INVALIDCALL;
   Level& l = levels_[level];
   std::size_t offset = 0;
   if (rect != nullptr) {
     UINT block = format_.compressed ? 4 : 1;
     if (rect->left < 0 || rect->top < 0 || rect->right <= rect->left || rect->bottom <= rect->top ||
-        UINT(rect->right) > l.width || UINT(rect->bottom) > l.height || rect->left % block || rect->top % block)
+        UINT(rect->right) > l.width || UINT(rect->bottom) > l.height || rect->left % block ||
+        rect->top % block)
       return D3DERR_INVALIDCALL;
     UINT bytes = format_.compressed ? format_.bytesPerTexel : format_.bytesPerTexel;
     offset = std::size_t(rect->top / block) * l.pitch + std::size_t(rect->left / block) * bytes;
@@ -163,20 +173,23 @@ HRESULT GLTexture::UnlockRect(UINT level) {
 
 void GLTexture::Upload(UINT level) {
   const Level& l = levels_[level];
+  std::vector<std::uint8_t> scratch;
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
   if (format_.compressed)
-    glCompressedTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width), GLsizei(l.height),
-                              format_.internalFormat, GLsizei(l.data.size()), l.data.data());
+    glCompressedTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width),
+                              GLsizei(l.height), format_.internalFormat, GLsizei(l.data.size()),
+                              l.data.data());
   else
-    glTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width), GLsizei(l.height), format_.dataFormat,
-                    format_.dataType, l.data.data());
+    glTexSubImage2D(GL_TEXTURE_2D, GLint(level), 0, 0, GLsizei(l.width), GLsizei(l.height),
+                    format_.dataFormat, format_.dataType, ConvertTexels(format_, l.data, scratch));
 }
 
 // ---- GLBuffer -------------------------------------------------------------------
 
 template <class Interface>
-GLBuffer<Interface>::GLBuffer(std::shared_ptr<GLCore> core, UINT length, DWORD usage, DWORD format, D3DPOOL pool)
+GLBuffer<Interface>::GLBuffer(std::shared_ptr<GLCore> core, UINT length, DWORD usage, DWORD format,
+                              D3DPOOL pool)
     : core_(std::move(core)), data_(length, 0), usage_(usage), format_(format), pool_(pool) {
   if (pool_ == D3DPOOL_DEFAULT) ++core_->defaultPoolResources;
   if (!core_->MakeCurrent()) return;
@@ -212,7 +225,8 @@ template <class Interface>
 HRESULT GLBuffer<Interface>::Lock(UINT offset, UINT size, void** out, DWORD flags) {
   if (out == nullptr || locked_) return D3DERR_INVALIDCALL;
   if (size == 0) size = offset <= data_.size() ? UINT(data_.size()) - offset : 0;
-  if (std::size_t(offset) + size > data_.size() || (size == 0 && offset != 0)) return D3DERR_INVALIDCALL;
+  if (std::size_t(offset) + size > data_.size() || (size == 0 && offset != 0))
+    return D3DERR_INVALIDCALL;
   locked_ = true;
   readOnly_ = (flags & D3DLOCK_READONLY) != 0;
   lockOffset_ = offset;
@@ -229,7 +243,8 @@ HRESULT GLBuffer<Interface>::Unlock() {
     // Draws held back with this buffer must see its old contents.
     if (core_->owner) core_->owner->FlushPending();
     glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
-    glBufferSubData(GL_COPY_WRITE_BUFFER, GLintptr(lockOffset_), GLsizeiptr(lockSize_), data_.data() + lockOffset_);
+    glBufferSubData(GL_COPY_WRITE_BUFFER, GLintptr(lockOffset_), GLsizeiptr(lockSize_),
+                    data_.data() + lockOffset_);
   }
   return D3D_OK;
 }

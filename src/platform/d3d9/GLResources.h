@@ -28,7 +28,8 @@ class GLTexture final : public IDirect3DTexture9 {
   ULONG Release() override;
   DWORD GetLevelCount() override;
   HRESULT GetLevelDesc(UINT Level, D3DSURFACE_DESC* pDesc) override;
-  HRESULT LockRect(UINT Level, D3DLOCKED_RECT* pLockedRect, const RECT* pRect, DWORD Flags) override;
+  HRESULT LockRect(UINT Level, D3DLOCKED_RECT* pLockedRect, const RECT* pRect,
+                   DWORD Flags) override;
   HRESULT UnlockRect(UINT Level) override;
 
   bool valid() const { return name_ != 0; }

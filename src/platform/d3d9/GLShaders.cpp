@@ -12,9 +12,15 @@ namespace d3d9gl {
 
 namespace {
 
-bool UsesArg2(DWORD op) { return op != D3DTOP_SELECTARG1 && op != D3DTOP_DISABLE; }
-bool UsesArg1(DWORD op) { return op != D3DTOP_SELECTARG2 && op != D3DTOP_DISABLE; }
-bool IsKnownOp(DWORD op) { return op >= D3DTOP_DISABLE && op <= D3DTOP_SUBTRACT; }
+bool UsesArg2(DWORD op) {
+  return op != D3DTOP_SELECTARG1 && op != D3DTOP_DISABLE;
+}
+bool UsesArg1(DWORD op) {
+  return op != D3DTOP_SELECTARG2 && op != D3DTOP_DISABLE;
+}
+bool IsKnownOp(DWORD op) {
+  return op >= D3DTOP_DISABLE && op <= D3DTOP_SUBTRACT;
+}
 
 // Only the argument source is kept; modifier bits are not part of this layer.
 std::uint8_t Arg(DWORD a) {
@@ -24,26 +30,45 @@ std::uint8_t Arg(DWORD a) {
 
 std::string ArgExpr(std::uint8_t arg, int stage) {
   switch (arg) {
-    case D3DTA_DIFFUSE: return "v_color";
-    case D3DTA_TEXTURE: return "t" + std::to_string(stage);
-    default: return "cur";
+    case D3DTA_DIFFUSE:
+      return "v_color";
+    case D3DTA_TEXTURE:
+      return "t" + std::to_string(stage);
+    default:
+      return "cur";
   }
 }
 
 // One colour or alpha operation on two values of the same type.
 std::string OpExpr(std::uint8_t op, const std::string& a1, const std::string& a2) {
   switch (op) {
-    case D3DTOP_SELECTARG1: return a1;
-    case D3DTOP_SELECTARG2: return a2;
-    case D3DTOP_MODULATE: return a1 + " * " + a2;
-    case D3DTOP_MODULATE2X: return "2.0 * " + a1 + " * " + a2;
-    case D3DTOP_MODULATE4X: return "4.0 * " + a1 + " * " + a2;
-    case D3DTOP_ADD: return a1 + " + " + a2;
-    case D3DTOP_ADDSIGNED: return a1 + " + " + a2 + " - 0.5";
-    case D3DTOP_ADDSIGNED2X: return "2.0 * (" + a1 + " + " + a2 + " - 0.5)";
-    case D3DTOP_SUBTRACT: return a1 + " - " + a2;
-    default: return a1;
+    case D3DTOP_SELECTARG1:
+      return a1;
+    case D3DTOP_SELECTARG2:
+      return a2;
+    case D3DTOP_MODULATE:
+      return a1 + " * " + a2;
+    case D3DTOP_MODULATE2X:
+      return "2.0 * " + a1 + " * " + a2;
+    case D3DTOP_MODULATE4X:
+      return "4.0 * " + a1 + " * " + a2;
+    case D3DTOP_ADD:
+      return a1 + " + " + a2;
+    case D3DTOP_ADDSIGNED:
+      return a1 + " + " + a2 + " - 0.5";
+    case D3DTOP_ADDSIGNED2X:
+      return "2.0 * (" + a1 + " + " + a2 + " - 0.5)";
+    case D3DTOP_SUBTRACT:
+      return a1 + " - " + a2;
+    default:
+      return a1;
   }
+}
+
+// The version line, and the default precisions that GLSL ES asks for.
+std::string Header(const ShaderKey& key) {
+  return key.es ? "#version 300 es\nprecision highp float;\nprecision highp int;\n"
+                : "#version 330 core\n";
 }
 
 GLuint Compile(GLenum type, const std::string& source) {
@@ -82,11 +107,12 @@ std::uint64_t ShaderKey::Pack() const {
   k = (k << 4) | (slots & 15);
   k = (k << 1) | indexedSlots;
   k = (k << 1) | flat;
+  k = (k << 1) | es;
   return k;
 }
 
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat,
-                        bool indexSlots) {
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures,
+                        bool flat, bool indexSlots) {
   ShaderKey key;
   key.pretransformed = (fvf & D3DFVF_POSITION_MASK) == D3DFVF_XYZRHW;
   DWORD sets = (fvf & D3DFVF_TEXCOUNT_MASK) >> D3DFVF_TEXCOUNT_SHIFT;
@@ -121,35 +147,35 @@ ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, in
 }
 
 std::string VertexShaderSource(const ShaderKey& key) {
-  std::string s =
-      "#version 330 core\n"
-      "layout(location = 0) in vec4 a_position;\n"
-      "layout(location = 1) in vec4 a_color;\n"
-      "layout(location = 2) in vec2 a_tex0;\n"
-      "layout(location = 3) in vec2 a_tex1;\n"
-      "layout(location = 4) in uint a_slot;\n"
-      "uniform mat4 u_wvp;\n"
-      "uniform vec4 u_viewport;\n";
+  std::string s = Header(key) +
+                  "layout(location = 0) in vec4 a_position;\n"
+                  "layout(location = 1) in vec4 a_color;\n"
+                  "layout(location = 2) in vec2 a_tex0;\n"
+                  "layout(location = 3) in vec2 a_tex1;\n"
+                  "layout(location = 4) in uint a_slot;\n"
+                  "uniform mat4 u_wvp;\n"
+                  "uniform vec4 u_viewport;\n";
   s += key.flat ? "flat out vec4 v_color;\n" : "out vec4 v_color;\n";
   s += "out vec2 v_tex0;\nout vec2 v_tex1;\nflat out uint v_slot;\nvoid main() {\n";
   if (key.pretransformed) {
     // Screen pixels (y down), depth 0..1 and 1/w: back to clip space so that
     // glViewport lands them on the same pixels and interpolation stays
     // perspective-correct.
-    s +=
-        "  float w = a_position.w != 0.0 ? 1.0 / a_position.w : 1.0;\n"
-        "  vec2 ndc = vec2((a_position.x - u_viewport.x) / u_viewport.z * 2.0 - 1.0,\n"
-        "                  1.0 - (a_position.y - u_viewport.y) / u_viewport.w * 2.0);\n"
-        "  gl_Position = vec4(ndc * w, (a_position.z * 2.0 - 1.0) * w, w);\n";
+    s += "  float w = a_position.w != 0.0 ? 1.0 / a_position.w : 1.0;\n"
+         "  vec2 ndc = vec2((a_position.x - u_viewport.x) / u_viewport.z * 2.0 - 1.0,\n"
+         "                  1.0 - (a_position.y - u_viewport.y) / u_viewport.w * 2.0);\n"
+         "  gl_Position = vec4(ndc * w, (a_position.z * 2.0 - 1.0) * w, w);\n";
   } else {
     // Row vectors times the row-major matrix: GL sees its transpose, so the
     // column-vector product gives the same clip position. Depth 0..w becomes
     // GL's -w..w.
-    s +=
-        "  gl_Position = u_wvp * vec4(a_position.xyz, 1.0);\n"
-        "  gl_Position.z = 2.0 * gl_Position.z - gl_Position.w;\n";
+    s += "  gl_Position = u_wvp * vec4(a_position.xyz, 1.0);\n"
+         "  gl_Position.z = 2.0 * gl_Position.z - gl_Position.w;\n";
   }
-  s += "  v_color = a_color;\n  v_tex0 = a_tex0;\n  v_tex1 = a_tex1;\n  v_slot = a_slot;\n}\n";
+  // D3DCOLOR bytes are B, G, R, A. OpenGL ES cannot read them in that order
+  // (no GL_BGRA size), so the shader swaps them back.
+  s += key.es ? "  v_color = a_color.bgra;\n" : "  v_color = a_color;\n";
+  s += "  v_tex0 = a_tex0;\n  v_tex1 = a_tex1;\n  v_slot = a_slot;\n}\n";
   return s;
 }
 
@@ -159,7 +185,7 @@ std::string FragmentShaderSource(const ShaderKey& key) {
   // the chain of slot tests below fetches every texture on every pixel. A GPU
   // may shade several triangles together, which such an index does not allow.
   const bool indexed = key.indexedSlots;
-  std::string s = "#version 330 core\n";
+  std::string s = Header(key);
   if (indexed) s += "#extension GL_ARB_gpu_shader5 : require\n";
   s += key.flat ? "flat in vec4 v_color;\n" : "in vec4 v_color;\n";
   s += "in vec2 v_tex0;\nin vec2 v_tex1;\nflat in uint v_slot;\nout vec4 o_color;\n";
@@ -172,7 +198,8 @@ std::string FragmentShaderSource(const ShaderKey& key) {
     if (k.colorOp == 0) break;
     std::string t = "t" + std::to_string(i);
     // A texture coordinate set the vertex lacks reads as (0, 0).
-    std::string uv = k.texCoord < key.texCoordSets ? "v_tex" + std::to_string(k.texCoord) : "vec2(0.0)";
+    std::string uv =
+        k.texCoord < key.texCoordSets ? "v_tex" + std::to_string(k.texCoord) : "vec2(0.0)";
     s += "  {\n    vec4 " + t + " = vec4(1.0);\n";
     if (k.hasTexture) {
       if (i == 0 && indexed) {
@@ -181,25 +208,30 @@ std::string FragmentShaderSource(const ShaderKey& key) {
         // Derivatives outside the branch keep mip selection defined.
         s += "    vec2 uv = " + uv + ";\n    vec2 dx = dFdx(uv), dy = dFdy(uv);\n";
         for (int j = 0; j < key.slots; ++j) {
-          s += std::string(j ? "    else " : "    ") + (j + 1 < key.slots ? "if (v_slot == " + std::to_string(j) + "u) " : "");
+          s += std::string(j ? "    else " : "    ") +
+               (j + 1 < key.slots ? "if (v_slot == " + std::to_string(j) + "u) " : "");
           s += t + " = textureGrad(u_stage0[" + std::to_string(j) + "], uv, dx, dy);\n";
         }
       } else {
-        s += "    " + t + " = texture(" + (i == 0 ? std::string("u_stage0[0]") : std::string("u_stage1")) + ", " + uv +
-             ");\n";
+        s += "    " + t + " = texture(" +
+             (i == 0 ? std::string("u_stage0[0]") : std::string("u_stage1")) + ", " + uv + ");\n";
       }
     }
     std::string c1 = ArgExpr(k.colorArg1, i) + ".rgb", c2 = ArgExpr(k.colorArg2, i) + ".rgb";
-    std::string alpha = k.alphaOp ? OpExpr(k.alphaOp, ArgExpr(k.alphaArg1, i) + ".a", ArgExpr(k.alphaArg2, i) + ".a")
+    std::string alpha = k.alphaOp ? OpExpr(k.alphaOp, ArgExpr(k.alphaArg1, i) + ".a",
+                                           ArgExpr(k.alphaArg2, i) + ".a")
                                   : std::string("cur.a");
     // Each stage's result is clamped to 0..1, as the fixed-function pipeline does.
-    s += "    cur = clamp(vec4(" + OpExpr(k.colorOp, c1, c2) + ", " + alpha + "), 0.0, 1.0);\n  }\n";
+    s +=
+        "    cur = clamp(vec4(" + OpExpr(k.colorOp, c1, c2) + ", " + alpha + "), 0.0, 1.0);\n  }\n";
   }
   s += "  o_color = cur;\n}\n";
   return s;
 }
 
-ShaderCache::~ShaderCache() { Clear(); }
+ShaderCache::~ShaderCache() {
+  Clear();
+}
 
 void ShaderCache::Clear() {
   for (auto& p : programs_)

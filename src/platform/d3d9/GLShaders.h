@@ -47,8 +47,9 @@ struct ShaderKey {
   // both sides of a branch pays for every test on every pixel, so the chain
   // is only as long as needed.
   std::uint8_t slots = 0;
-  std::uint8_t indexedSlots = 0;    // the slot indexes a sampler array (see FragmentShaderSource)
-  std::uint8_t flat = 0;            // D3DSHADE_FLAT
+  std::uint8_t indexedSlots = 0;  // the slot indexes a sampler array (see FragmentShaderSource)
+  std::uint8_t flat = 0;          // D3DSHADE_FLAT
+  std::uint8_t es = 0;            // GLSL ES 3.00 for an OpenGL ES context
 
   std::uint64_t Pack() const;
 };
@@ -62,8 +63,8 @@ struct StageState {
 // D3DTA_TEXTURE on a stage without texture, ends processing at that stage.
 // `stage0Textures` is the number of stage-0 textures the draw uses (0 or 1 for
 // a plain draw, up to kBatchTextures for a merged one).
-ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures, bool flat,
-                        bool indexSlots);
+ShaderKey MakeShaderKey(const StageState (&stages)[kShaderStages], DWORD fvf, int stage0Textures,
+                        bool flat, bool indexSlots);
 
 // The GLSL text of a key (for tests and for the cache).
 std::string VertexShaderSource(const ShaderKey& key);

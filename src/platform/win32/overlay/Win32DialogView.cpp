@@ -10,7 +10,6 @@
 // runs before the next key, as posted messages come before input on the
 // desktop. ImGui only draws.
 #include <SDL.h>
-#include <epoxy/gl.h>
 #include <imgui.h>
 #include <imgui_internal.h>
 
@@ -18,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/gl/GLApi.h"
 #include "platform/win32/Win32DialogState.h"
 #include "platform/win32/overlay/Win32AccessLabel.h"
 #include "platform/win32/overlay/Win32Overlay.h"

@@ -124,7 +124,6 @@ void EnsureContext() {
   io.LogFilename = nullptr;
   io.BackendPlatformName = "karvo-win32";
   io.BackendRendererName = "karvo-gl33";
-  io.BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
   ImGui::StyleColorsLight();
   ImGuiStyle& style = ImGui::GetStyle();
   style.PopupBorderSize = 1.0f;

@@ -4,18 +4,20 @@
 #include "platform/win32/overlay/Win32OverlayRenderer.h"
 
 #include <SDL.h>
-#include <epoxy/gl.h>
 #include <imgui.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string>
+
+#include "platform/gl/GLApi.h"
 
 namespace win32::overlay {
 
 namespace {
 
-const char* const kVertexShader = R"(#version 330 core
+const char* const kVertexShader = R"(
 layout(location = 0) in vec2 position;
 layout(location = 1) in vec2 uv;
 layout(location = 2) in vec4 color;
@@ -29,7 +31,7 @@ void main() {
 }
 )";
 
-const char* const kFragmentShader = R"(#version 330 core
+const char* const kFragmentShader = R"(
 in vec2 fragUv;
 in vec4 fragColor;
 uniform sampler2D atlas;
@@ -37,9 +39,15 @@ out vec4 outColor;
 void main() { outColor = fragColor * texture(atlas, fragUv); }
 )";
 
-GLuint Compile(GLenum kind, const char* source) {
+GLuint Compile(GLenum kind, const char* body) {
+  // The same GLSL under the version line of the context's API.
+  const std::string source =
+      std::string(karvo_gl::IsEs() ? "#version 300 es\nprecision mediump float;\n"
+                                   : "#version 330 core\n") +
+      body;
+  const char* text = source.c_str();
   GLuint shader = glCreateShader(kind);
-  glShaderSource(shader, 1, &source, nullptr);
+  glShaderSource(shader, 1, &text, nullptr);
   glCompileShader(shader);
   GLint ok = GL_FALSE;
   glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
@@ -54,7 +62,8 @@ GLuint Compile(GLenum kind, const char* source) {
 // The GL state the overlay changes, read before and put back after drawing.
 struct SavedState {
   GLint program, vao, arrayBuffer, texture, activeTexture, sampler, framebuffer;
-  GLint viewport[4], scissor[4], polygonMode[2];
+  GLint viewport[4], scissor[4];
+  GLenum polygonMode;
   GLint blendSrcRgb, blendDstRgb, blendSrcAlpha, blendDstAlpha, blendEqRgb, blendEqAlpha;
   GLboolean blend, cull, depth, stencil, scissorTest, colorMask[4];
 
@@ -69,7 +78,7 @@ struct SavedState {
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
     glGetIntegerv(GL_VIEWPORT, viewport);
     glGetIntegerv(GL_SCISSOR_BOX, scissor);
-    glGetIntegerv(GL_POLYGON_MODE, polygonMode);
+    polygonMode = karvo_gl::PolygonMode();
     glGetIntegerv(GL_BLEND_SRC_RGB, &blendSrcRgb);
     glGetIntegerv(GL_BLEND_DST_RGB, &blendDstRgb);
     glGetIntegerv(GL_BLEND_SRC_ALPHA, &blendSrcAlpha);
@@ -109,7 +118,7 @@ struct SavedState {
     Enable(GL_DEPTH_TEST, depth);
     Enable(GL_STENCIL_TEST, stencil);
     Enable(GL_SCISSOR_TEST, scissorTest);
-    glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(polygonMode[0]));
+    karvo_gl::SetPolygonMode(polygonMode);
     glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
     glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
   }
@@ -207,7 +216,7 @@ void OverlayRenderer::Render(const ImDrawData& data, int drawableWidth, int draw
   glDisable(GL_DEPTH_TEST);
   glDisable(GL_STENCIL_TEST);
   glEnable(GL_SCISSOR_TEST);
-  glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);  // the scene may be drawn as lines
+  karvo_gl::SetPolygonMode(GL_FILL);  // the scene may be drawn as lines
   glUseProgram(m_program);
   glUniform1i(m_texture, 0);
   glBindSampler(0, 0);  // the device's sampler objects would filter the atlas
@@ -245,10 +254,11 @@ void OverlayRenderer::Render(const ImDrawData& data, int drawableWidth, int draw
                 static_cast<GLsizei>(x2 - x1), static_cast<GLsizei>(y2 - y1));
       glBindTexture(GL_TEXTURE_2D,
                     static_cast<GLuint>(reinterpret_cast<std::uintptr_t>(cmd.GetTexID())));
-      glDrawElementsBaseVertex(GL_TRIANGLES, static_cast<GLsizei>(cmd.ElemCount),
-                               sizeof(ImDrawIdx) == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
-                               reinterpret_cast<void*>(cmd.IdxOffset * sizeof(ImDrawIdx)),
-                               static_cast<GLint>(cmd.VtxOffset));
+      // No vertex offsets (the overlay's lists stay far below 64k vertices),
+      // so no base vertex, which OpenGL ES lacks.
+      glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(cmd.ElemCount),
+                     sizeof(ImDrawIdx) == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
+                     reinterpret_cast<void*>(cmd.IdxOffset * sizeof(ImDrawIdx)));
     }
   }
   // The element buffer binding belongs to the vertex array; ours goes away
