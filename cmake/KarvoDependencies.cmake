@@ -1,4 +1,8 @@
 # The real libraries behind the platform layer, all from Debian packages.
+if(EMSCRIPTEN)
+  include(KarvoWebDependencies)
+  return()
+endif()
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(SDL2 REQUIRED IMPORTED_TARGET sdl2)
 pkg_check_modules(SDL2_MIXER REQUIRED IMPORTED_TARGET SDL2_mixer)

@@ -3,16 +3,20 @@
 
 KARVO_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
-# Installs every package of scripts/packages.txt that is not installed yet.
-# dpkg-query answers in well under a second, so a machine that has them all
-# never reaches apt-get.
+# Installs every package of scripts/packages.txt (or of the lists given)
+# that is not installed yet. dpkg-query answers in well under a second, so a
+# machine that has them all never reaches apt-get.
 karvo_install_packages() {
-  local wanted=() missing=() pkg
-  while read -r pkg; do
-    pkg="${pkg%%#*}"
-    pkg="${pkg//[[:space:]]/}"
-    [ -n "$pkg" ] && wanted+=("$pkg")
-  done < "$KARVO_ROOT/scripts/packages.txt"
+  local wanted=() missing=() pkg list
+  local lists=("$@")
+  [ ${#lists[@]} -eq 0 ] && lists=("$KARVO_ROOT/scripts/packages.txt")
+  for list in "${lists[@]}"; do
+    while read -r pkg; do
+      pkg="${pkg%%#*}"
+      pkg="${pkg//[[:space:]]/}"
+      [ -n "$pkg" ] && wanted+=("$pkg")
+    done < "$list"
+  done
 
   for pkg in "${wanted[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed"; then

@@ -70,6 +70,7 @@ class GLDevice final : public IDirect3DDevice9 {
   void FlushBatch();                // carries out pending merged draws
   void FlushPending();              // merged draws, then held-back background draws
   void ForgetTexture(GLuint name);  // a GL texture is about to be deleted
+  void ForgetElementBuffer() { currentElementBuffer_ = ~0u; }  // a resource bound its own
   bool ReadBack(std::vector<std::uint8_t>& rgba, UINT& width, UINT& height);
   // Draws the last presented frame into the default framebuffer of its
   // window again, as under a modal dialog; false for another window or when

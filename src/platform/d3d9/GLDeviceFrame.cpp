@@ -10,6 +10,7 @@
 
 #include "platform/d3d9/GLDevice.h"
 #include "platform/win32/overlay/Win32Overlay.h"
+#include "platform/win32/sdl/Win32Page.h"
 
 namespace d3d9gl {
 
@@ -397,6 +398,7 @@ HRESULT GLDevice::Present(const RECT* src, const RECT* dst, HWND wnd, const void
     for (auto& d : samplerDirty_) d = true;
   }
   SDL_GL_SwapWindow(core_->Window());
+  win32::page::AwaitAnimationFrame();
   glBindFramebuffer(GL_FRAMEBUFFER, fbo_);
   s_shown = this;
   win32::overlay::SetBackdropHook(&DrawLastFrame);

@@ -2,6 +2,7 @@
 #include "platform/d3d9/GLResources.h"
 
 #include <cstring>
+#include <type_traits>
 
 #include "platform/d3d9/GLDevice.h"
 
@@ -196,14 +197,27 @@ GLBuffer<Interface>::GLBuffer(std::shared_ptr<GLCore> core, UINT length, DWORD u
   while (glGetError() != GL_NO_ERROR) {
   }
   glGenBuffers(1, &name_);
-  glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
-  glBufferData(GL_COPY_WRITE_BUFFER, GLsizeiptr(length), data_.data(),
+  glBufferData(BindForUpload(), GLsizeiptr(length), data_.data(),
                (usage & D3DUSAGE_DYNAMIC) ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW);
   if (glGetError() != GL_NO_ERROR) {
     Log(LogLevel::Error, "GLBuffer::GLBuffer", "GL refused a buffer of %u bytes", length);
     glDeleteBuffers(1, &name_);
     name_ = 0;
   }
+}
+
+// WebGL fixes a buffer's kind at its first binding, and index data must never
+// have been bound to another target: on OpenGL ES index buffers take the
+// element binding, which the device then binds again before it draws.
+template <class Interface>
+GLenum GLBuffer<Interface>::BindForUpload() {
+  if (std::is_same_v<Interface, IDirect3DIndexBuffer9> && Limits().es) {
+    if (core_->owner) core_->owner->ForgetElementBuffer();
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, name_);
+    return GL_ELEMENT_ARRAY_BUFFER;
+  }
+  glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
+  return GL_COPY_WRITE_BUFFER;
 }
 
 template <class Interface>
@@ -242,8 +256,7 @@ HRESULT GLBuffer<Interface>::Unlock() {
   if (!readOnly_ && name_ && lockSize_ > 0 && core_->MakeCurrent()) {
     // Draws held back with this buffer must see its old contents.
     if (core_->owner) core_->owner->FlushPending();
-    glBindBuffer(GL_COPY_WRITE_BUFFER, name_);
-    glBufferSubData(GL_COPY_WRITE_BUFFER, GLintptr(lockOffset_), GLsizeiptr(lockSize_),
+    glBufferSubData(BindForUpload(), GLintptr(lockOffset_), GLsizeiptr(lockSize_),
                     data_.data() + lockOffset_);
   }
   return D3D_OK;

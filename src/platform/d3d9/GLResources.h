@@ -4,7 +4,8 @@
 // checked. A texture level has its copy only while it is locked (compressed
 // levels always): Lock reads it back from GL, Unlock uploads and drops it.
 // Uploads go through GL_TEXTURE15 and GL_COPY_WRITE_BUFFER, which the device
-// never uses for drawing, so they disturb no binding of the device.
+// never uses for drawing, so they disturb no binding of the device; index
+// buffers on OpenGL ES go through the element binding (see BindForUpload).
 #pragma once
 
 #include <cstdint>
@@ -82,6 +83,7 @@ class GLBuffer final : public Interface {
   const std::shared_ptr<GLCore>& core() const { return core_; }
 
  private:
+  GLenum BindForUpload();
   ~GLBuffer() override;
 
   std::shared_ptr<GLCore> core_;

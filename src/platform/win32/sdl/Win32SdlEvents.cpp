@@ -6,8 +6,9 @@
 
 #include <chrono>
 
-#include "platform/win32/sdl/Win32SdlGamepad.h"
 #include "platform/win32/Win32State.h"
+#include "platform/win32/sdl/Win32Page.h"
+#include "platform/win32/sdl/Win32SdlGamepad.h"
 
 namespace win32::detail {
 
@@ -182,7 +183,7 @@ class SdlBackEnd final : public Source {
     Gamepad().Tick(Counter());
   }
 
-  void FrameBoundary() override {}
+  void FrameBoundary() override { page::FrameBoundary(); }
 
   LONGLONG Counter() override {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();

@@ -7,8 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/win32/sdl/Win32DisplayScale.h"
 #include "platform/win32/Win32State.h"
+#include "platform/win32/sdl/Win32DisplayScale.h"
+#include "platform/win32/sdl/Win32Page.h"
 
 namespace win32::detail {
 
@@ -16,9 +17,13 @@ namespace {
 
 // Bordered when the style has a caption or a sizing frame; a WS_POPUP window
 // without them is borderless.
-bool Bordered(DWORD style) { return (style & (WS_CAPTION | WS_THICKFRAME)) != 0; }
+bool Bordered(DWORD style) {
+  return (style & (WS_CAPTION | WS_THICKFRAME)) != 0;
+}
 
-int AtLeastOne(LONG value) { return value > 0 ? static_cast<int>(value) : 1; }
+int AtLeastOne(LONG value) {
+  return value > 0 ? static_cast<int>(value) : 1;
+}
 
 }  // namespace
 
@@ -58,7 +63,9 @@ SDL_Window* SdlCreate(const Window& window) {
   return sdl;
 }
 
-void SdlDestroy(SDL_Window* sdl) { SDL_DestroyWindow(sdl); }
+void SdlDestroy(SDL_Window* sdl) {
+  SDL_DestroyWindow(sdl);
+}
 
 void SdlShow(SDL_Window* sdl, bool shown) {
   if (shown) {
@@ -68,16 +75,22 @@ void SdlShow(SDL_Window* sdl, bool shown) {
   }
 }
 
-void SdlMinimize(SDL_Window* sdl) { SDL_MinimizeWindow(sdl); }
+void SdlMinimize(SDL_Window* sdl) {
+  SDL_MinimizeWindow(sdl);
+}
 
-void SdlRestore(SDL_Window* sdl) { SDL_RestoreWindow(sdl); }
+void SdlRestore(SDL_Window* sdl) {
+  SDL_RestoreWindow(sdl);
+}
 
 void SdlSetGeometry(SDL_Window* sdl, const RECT& rect) {
   SDL_SetWindowPosition(sdl, rect.left, rect.top);
   SDL_SetWindowSize(sdl, AtLeastOne(rect.right - rect.left), AtLeastOne(rect.bottom - rect.top));
 }
 
-void SdlSetTitle(SDL_Window* sdl, const std::string& title) { SDL_SetWindowTitle(sdl, title.c_str()); }
+void SdlSetTitle(SDL_Window* sdl, const std::string& title) {
+  SDL_SetWindowTitle(sdl, title.c_str());
+}
 
 void SdlSetStyle(SDL_Window* sdl, DWORD style) {
   SDL_SetWindowBordered(sdl, Bordered(style) ? SDL_TRUE : SDL_FALSE);
@@ -86,14 +99,16 @@ void SdlSetStyle(SDL_Window* sdl, DWORD style) {
 
 void SdlSetIcon(SDL_Window* sdl, HICON icon) {
   if (!icon || icon->pixels.empty()) return;
-  SDL_Surface* surface = SDL_CreateRGBSurfaceWithFormatFrom(
-      icon->pixels.data(), icon->width, icon->height, 32, icon->width * 4, SDL_PIXELFORMAT_ARGB8888);
+  SDL_Surface* surface =
+      SDL_CreateRGBSurfaceWithFormatFrom(icon->pixels.data(), icon->width, icon->height, 32,
+                                         icon->width * 4, SDL_PIXELFORMAT_ARGB8888);
   if (!surface) return;
   SDL_SetWindowIcon(sdl, surface);
   SDL_FreeSurface(surface);
 }
 
 bool SdlMessageBoxCanBeAnswered() {
+  if (page::InPage()) return true;  // the page shows it to whoever has it open
   // KARVO_MESSAGE_BOX=1 or 0 decides outright. Otherwise a box is shown only
   // to a person: a terminal on stdin, a display that is not a virtual one of
   // xvfb-run, and no CI run.
@@ -111,6 +126,7 @@ bool SdlMessageBoxCanBeAnswered() {
 void SdlShowMessageBox(const char* caption, const char* text, UINT type) {
   Uint32 flags = SDL_MESSAGEBOX_INFORMATION;
   const UINT icon = type & 0xF0;
+  if (page::ShowMessage(caption, text, icon == MB_ICONERROR)) return;
   if (icon == MB_ICONERROR) {
     flags = SDL_MESSAGEBOX_ERROR;
   } else if (icon == MB_ICONEXCLAMATION) {
