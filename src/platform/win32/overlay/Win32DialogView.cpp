@@ -23,6 +23,7 @@
 #include "platform/win32/overlay/Win32Overlay.h"
 #include "platform/win32/overlay/Win32OverlayState.h"
 #include "platform/win32/sdl/Win32DisplayScale.h"
+#include "platform/win32/sdl/Win32Page.h"
 
 using namespace win32::detail;
 using win32::DialogControlInfo;
@@ -297,6 +298,7 @@ bool DrawDialog(HWND dialog, std::vector<std::uint8_t>* rgba, int* width, int* h
     *height = h;
   }
   SDL_GL_SwapWindow(window);
+  page::AwaitAnimationFrame();
   return true;
 }
 
@@ -333,7 +335,8 @@ void DialogViewTurn(HWND dialog) {
     EndDialog(dialog, IDCANCEL);
     return;
   }
-  SDL_Delay(10);
+  // A page waited for the browser's next frame in DrawDialog.
+  if (!page::InPage()) SDL_Delay(10);
 }
 
 void DialogViewClosed() {

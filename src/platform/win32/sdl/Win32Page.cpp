@@ -6,8 +6,23 @@
 #include <emscripten.h>
 
 // clang-format off
-EM_ASYNC_JS(void, karvo_await_animation_frame, (), {
-  await new Promise(resolve => requestAnimationFrame(() => resolve()));
+// Module.karvoFrames counts the frames shown, and karvoFirstFrame holds when
+// the first one was (milliseconds since the page began loading), for the
+// page and its tests. The program's end (exit, once main returns) unwinds
+// through the resumed frame as an ExitStatus; it is the page's to show, not
+// an error.
+EM_JS(void, karvo_await_animation_frame, (), {
+  Module.karvoFrames = (Module.karvoFrames || 0) + 1;
+  if (Module.karvoFrames == 1) Module.karvoFirstFrame = performance.now();
+  Asyncify.handleSleep(function(wakeUp) {
+    requestAnimationFrame(function() {
+      try {
+        wakeUp();
+      } catch (e) {
+        if (!(e instanceof ExitStatus)) throw e;
+      }
+    });
+  });
 });
 EM_JS(void, karvo_show_message, (const char* caption, const char* text, int error), {
   if (Module.karvoMessage) Module.karvoMessage(UTF8ToString(caption), UTF8ToString(text), !!error);
