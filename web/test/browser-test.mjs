@@ -2,7 +2,8 @@
 // on SwiftShader, driven by puppeteer-core. One visit, in the order a visitor
 // goes: the start view (compared with the native program's picture of the
 // same start), the sound after the first key, walking and turning, Wireframe
-// through the menu by keyboard, the settings dialog cancelled, and Exit. No
+// through the menu by keyboard, the settings dialog cancelled, full screen
+// and back, and Exit. No
 // error may reach the console on the way. Prints the page's measurements.
 //
 //   node browser-test.mjs --site DIR --capture BIN --assets DIR --out DIR
@@ -179,6 +180,19 @@ try {
   const after = await grid(await shot('web-cancelled'));
   check('Cancel leaves the picture as it was', alike(after, wire, 12) >= 0.9 && after.commonest > 0.3);
   check('Cancel leaves the canvas size as it was', (await size()) === sizeBefore, await size());
+
+  // Shift+Enter: into the browser's full screen and out again.
+  const fullScreen = () => page.evaluate(() => !!document.fullscreenElement);
+  const shiftEnter = async () => {
+    await page.keyboard.down('Shift');
+    await page.keyboard.press('Enter');
+    await page.keyboard.up('Shift');
+    await waitFrames(15);
+  };
+  await shiftEnter();
+  check('Shift+Enter enters full screen', await fullScreen());
+  await shiftEnter();
+  check('Shift+Enter leaves full screen', !(await fullScreen()));
 
   // File > Exit (the last entry of the menu).
   await tap('Alt', 'ArrowDown', 'ArrowUp');

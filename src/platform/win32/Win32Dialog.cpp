@@ -60,14 +60,13 @@ LRESULT CALLBACK DialogWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM
 // Takes the oldest message posted to the dialog or one of its controls.
 bool TakeDialogMessage(HWND hDlg, const Dialog& dialog, MSG* out) {
   auto& queue = GetState().queue;
-  const auto ours = [&](const MSG& msg) {
-    return msg.hwnd == hDlg || std::find(dialog.controls.begin(), dialog.controls.end(),
-                                         msg.hwnd) != dialog.controls.end();
+  const auto ours = [&](const Posted& posted) {
+    return posted.msg.hwnd == hDlg || std::find(dialog.controls.begin(), dialog.controls.end(),
+                                                posted.msg.hwnd) != dialog.controls.end();
   };
   const auto found = std::find_if(queue.begin(), queue.end(), ours);
   if (found == queue.end()) return false;
-  *out = *found;
-  queue.erase(found);
+  *out = TakeOut(found);
   return true;
 }
 
@@ -199,10 +198,10 @@ INT_PTR DialogBoxParamA(HINSTANCE hInstance, LPCSTR lpTemplateName, HWND hWndPar
   // Messages still posted to the dialog have no one to go to now.
   auto& queue = GetState().queue;
   queue.erase(std::remove_if(queue.begin(), queue.end(),
-                             [&](const MSG& msg) {
-                               return msg.hwnd == hDlg ||
-                                      std::find(controls.begin(), controls.end(), msg.hwnd) !=
-                                          controls.end();
+                             [&](const Posted& posted) {
+                               return posted.msg.hwnd == hDlg ||
+                                      std::find(controls.begin(), controls.end(),
+                                                posted.msg.hwnd) != controls.end();
                              }),
               queue.end());
   return result;

@@ -28,7 +28,7 @@ SHORT GetKeyState(int nVirtKey) {
 
 SHORT GetAsyncKeyState(int vKey) {
   if (vKey < 0 || vKey > 255) return 0;
-  return (GetState().keys[vKey] & 0x80) ? static_cast<SHORT>(0x8000) : static_cast<SHORT>(0);
+  return (GetState().asyncKeys[vKey] & 0x80) ? static_cast<SHORT>(0x8000) : static_cast<SHORT>(0);
 }
 
 // ---- capture and cursor ------------------------------------------------------------------
@@ -99,7 +99,9 @@ DWORD timeGetTime() {
   return static_cast<DWORD>(GetSource().Counter() / (kCounterFrequency / 1000));
 }
 
-DWORD GetTickCount() { return timeGetTime(); }
+DWORD GetTickCount() {
+  return timeGetTime();
+}
 
 void Sleep(DWORD dwMilliseconds) {
   // A scripted run has no real time to wait for.

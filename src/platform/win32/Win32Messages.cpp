@@ -21,9 +21,8 @@ bool Matches(const MSG& msg, HWND hWnd, UINT filterMin, UINT filterMax) {
 bool TakePosted(MSG* out, HWND hWnd, UINT filterMin, UINT filterMax, bool remove) {
   auto& queue = GetState().queue;
   for (auto it = queue.begin(); it != queue.end(); ++it) {
-    if (!Matches(*it, hWnd, filterMin, filterMax)) continue;
-    *out = *it;
-    if (remove) queue.erase(it);
+    if (!Matches(it->msg, hWnd, filterMin, filterMax)) continue;
+    *out = remove ? TakeOut(it) : it->msg;
     return true;
   }
   return false;
@@ -56,7 +55,7 @@ void Post(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
   msg.lParam = lParam;
   msg.time = timeGetTime();
   GetCursorPos(&msg.pt);
-  GetState().queue.push_back(msg);
+  GetState().queue.push_back({msg, {}});
 }
 
 }  // namespace win32::detail

@@ -91,40 +91,60 @@ void PostSizeIfChanged(Window& window) {
 
 namespace {
 
-void UpdateCombined(BYTE generic, BYTE left, BYTE right) {
-  BYTE* keys = GetState().keys;
+void UpdateCombined(BYTE* keys, BYTE generic, BYTE left, BYTE right) {
   const bool held = (keys[left] & 0x80) || (keys[right] & 0x80);
   if (held && !(keys[generic] & 0x80)) keys[generic] ^= 0x01;
   keys[generic] = static_cast<BYTE>((keys[generic] & 0x01) | (held ? 0x80 : 0x00));
 }
 
-}  // namespace
-
-void SetKeyHeld(BYTE vk, bool held) {
-  BYTE* keys = GetState().keys;
+void SetTableKey(BYTE* keys, BYTE vk, bool held) {
   if (held && !(keys[vk] & 0x80)) keys[vk] ^= 0x01;  // toggles flip on each press
   keys[vk] = static_cast<BYTE>((keys[vk] & 0x01) | (held ? 0x80 : 0x00));
   switch (vk) {
     case VK_LSHIFT:
     case VK_RSHIFT:
-      UpdateCombined(VK_SHIFT, VK_LSHIFT, VK_RSHIFT);
+      UpdateCombined(keys, VK_SHIFT, VK_LSHIFT, VK_RSHIFT);
       break;
     case VK_LCONTROL:
     case VK_RCONTROL:
-      UpdateCombined(VK_CONTROL, VK_LCONTROL, VK_RCONTROL);
+      UpdateCombined(keys, VK_CONTROL, VK_LCONTROL, VK_RCONTROL);
       break;
     case VK_LMENU:
     case VK_RMENU:
-      UpdateCombined(VK_MENU, VK_LMENU, VK_RMENU);
+      UpdateCombined(keys, VK_MENU, VK_LMENU, VK_RMENU);
       break;
     default:
       break;
   }
 }
 
+}  // namespace
+
+void SetKeyHeld(BYTE vk, bool held) {
+  SetTableKey(GetState().keys, vk, held);
+  SetTableKey(GetState().asyncKeys, vk, held);
+}
+
 void ClearKeys() {
-  BYTE* keys = GetState().keys;
-  for (int i = 0; i < 256; ++i) keys[i] &= 0x01;  // toggles survive, held keys do not
+  State& state = GetState();
+  for (int i = 0; i < 256; ++i) {  // toggles survive, held keys do not
+    state.keys[i] &= 0x01;
+    state.asyncKeys[i] &= 0x01;
+  }
+  for (Posted& posted : state.queue) posted.key = {};
+}
+
+void PostKey(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, KeyChange key) {
+  SetTableKey(GetState().asyncKeys, key.vk, key.down);
+  Post(hWnd, message, wParam, lParam);
+  GetState().queue.back().key = key;
+}
+
+MSG TakeOut(std::deque<Posted>::iterator it) {
+  const Posted posted = *it;
+  GetState().queue.erase(it);
+  if (posted.key.vk != 0) SetTableKey(GetState().keys, posted.key.vk, posted.key.down);
+  return posted.msg;
 }
 
 LPARAM KeyMessageLParam(bool down, bool wasDown, BYTE scanCode, bool extended) {
@@ -179,7 +199,9 @@ bool HasFocus(HWND hWnd) {
   return window && window->focused;
 }
 
-bool IsScripted() { return &GetSource() == &ScriptSource(); }
+bool IsScripted() {
+  return &GetSource() == &ScriptSource();
+}
 
 void SetEventHook(EventHook hook, void* user) {
   GetState().hook = hook;

@@ -15,9 +15,7 @@
 #include "platform/win32/Win32Backend.h"
 #include "platform/win32/windows.h"
 
-namespace win32::detail {
-
-}  // namespace win32::detail
+namespace win32::detail {}  // namespace win32::detail
 
 // Icons and cursors: an ARGB image, or a stock object of the system.
 struct HICON__ {
@@ -89,13 +87,28 @@ Source& ScriptSource();
 
 constexpr LONGLONG kCounterFrequency = 1000000000;
 
+// A posted message, and for a key message the key's new state: the table
+// that GetKeyState reads takes it when the message is read, as a thread's key
+// state follows the key messages it reads. A press and release within one
+// frame thus still show Shift held to the WM_KEYDOWN of the Enter pressed
+// with it.
+struct KeyChange {
+  BYTE vk = 0;  // 0: no key
+  bool down = false;
+};
+struct Posted {
+  MSG msg;
+  KeyChange key;
+};
+
 struct State {
   std::map<std::string, std::unique_ptr<WindowClass>> classes;
   std::vector<std::unique_ptr<Window>> windows;  // in creation order
-  std::deque<MSG> queue;
+  std::deque<Posted> queue;
   bool quitPending = false;
   int quitCode = 0;
-  BYTE keys[256] = {};
+  BYTE keys[256] = {};       // as of the messages read (GetKeyState, GetKeyboardState)
+  BYTE asyncKeys[256] = {};  // as of the input taken in (GetAsyncKeyState)
   HWND capture = nullptr;
   HCURSOR cursor = nullptr;
   int menuBarHeight = 19;
@@ -110,7 +123,9 @@ Source& GetSource();
 // Handles: a window handle is the address of its record; only live records
 // are accepted.
 Window* FromHandle(HWND hWnd);
-inline HWND HandleOf(Window* window) { return reinterpret_cast<HWND>(window); }
+inline HWND HandleOf(Window* window) {
+  return reinterpret_cast<HWND>(window);
+}
 // The window that scripted input goes to: the last created that still lives.
 Window* TargetWindow();
 
@@ -122,8 +137,10 @@ void SendSizeIfChanged(Window& window, bool firstShow);
 // Posts instead of sending (used from event pumping and bar-height changes).
 void PostSizeIfChanged(Window& window);
 
-// Key table: held (0x80) and toggle (0x01) bits, with VK_SHIFT, VK_CONTROL
-// and VK_MENU following their left and right keys.
+// Key tables: held (0x80) and toggle (0x01) bits, with VK_SHIFT, VK_CONTROL
+// and VK_MENU following their left and right keys. SetKeyHeld changes both
+// tables now (input that makes no message); ClearKeys releases every key in
+// both, and in the key messages not read yet.
 void SetKeyHeld(BYTE vk, bool held);
 void ClearKeys();
 // lParam of WM_KEYDOWN / WM_KEYUP for a key, packed as the platform does.
@@ -133,6 +150,11 @@ WPARAM MouseKeyFlags();
 
 // Queue helpers.
 void Post(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+// Posts a key message: the key's state changes now in the asynchronous table,
+// and in the other one when the message is read.
+void PostKey(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, KeyChange key);
+// Takes a posted message out of the queue, applying its key change.
+MSG TakeOut(std::deque<Posted>::iterator it);
 
 // Menus (Win32Menu.cpp): whether a handle is a live menu.
 bool IsMenu(HMENU hMenu);

@@ -5,7 +5,8 @@
 # that changes how the world is drawn, and the two PNG files must be equal
 # byte for byte. Both come from this build, so nothing stored can drift. The
 # program runs on a 24-bit depth buffer, where the fast path holds the sky
-# back (a 32-bit float one is drawn in order on both).
+# back (a 32-bit float one is drawn in order on both). Two cases draw on
+# OpenGL ES, the web page's path (wireframe there is drawn as lines).
 #
 #   PixelIdentityTest.sh CAPTURE OUT_DIR     (run inside the assets folder)
 set -u
@@ -34,6 +35,8 @@ cases=(
   "mag-anisotropic|$start --mag anisotropic --anisotropy 4"
   "mip-none|$start --mip none"
   "mip-point|$start --mip point"
+  "es-start|$start --es"
+  "es-wireframe|$start --wireframe --es"
 )
 
 failed=0

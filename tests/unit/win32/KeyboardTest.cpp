@@ -19,13 +19,23 @@ MSG Take() {
 }
 
 TEST(KeyTable, LettersFollowTheLayoutAndOtherKeysTheirRow) {
-  const struct { SDL_Keycode sym; SDL_Scancode scancode; int vk; } cases[] = {
+  const struct {
+    SDL_Keycode sym;
+    SDL_Scancode scancode;
+    int vk;
+  } cases[] = {
       // AZERTY: the key in the Q position types 'a'; a Cyrillic letter falls
       // back on the key's position.
-      {SDLK_z, SDL_SCANCODE_Z, 'Z'}, {SDLK_a, SDL_SCANCODE_Q, 'A'}, {0x44F /* я */, SDL_SCANCODE_Z, 'Z'},
-      {SDLK_0, SDL_SCANCODE_0, '0'}, {SDLK_UP, SDL_SCANCODE_UP, VK_UP}, {SDLK_LEFT, SDL_SCANCODE_LEFT, VK_LEFT},
-      {SDLK_ESCAPE, SDL_SCANCODE_ESCAPE, VK_ESCAPE}, {SDLK_KP_ENTER, SDL_SCANCODE_KP_ENTER, VK_RETURN},
-      {SDLK_RSHIFT, SDL_SCANCODE_RSHIFT, VK_RSHIFT}, {SDLK_F12, SDL_SCANCODE_F12, VK_F12},
+      {SDLK_z, SDL_SCANCODE_Z, 'Z'},
+      {SDLK_a, SDL_SCANCODE_Q, 'A'},
+      {0x44F /* я */, SDL_SCANCODE_Z, 'Z'},
+      {SDLK_0, SDL_SCANCODE_0, '0'},
+      {SDLK_UP, SDL_SCANCODE_UP, VK_UP},
+      {SDLK_LEFT, SDL_SCANCODE_LEFT, VK_LEFT},
+      {SDLK_ESCAPE, SDL_SCANCODE_ESCAPE, VK_ESCAPE},
+      {SDLK_KP_ENTER, SDL_SCANCODE_KP_ENTER, VK_RETURN},
+      {SDLK_RSHIFT, SDL_SCANCODE_RSHIFT, VK_RSHIFT},
+      {SDLK_F12, SDL_SCANCODE_F12, VK_F12},
       {SDLK_VOLUMEUP, SDL_SCANCODE_VOLUMEUP, 0},
   };
   for (const auto& c : cases) EXPECT_EQ(VirtualKeyOfSdl(c.sym, c.scancode), c.vk) << c.sym;
@@ -47,14 +57,18 @@ void Push(Uint32 type, SDL_Keycode sym, SDL_Scancode scancode = SDL_SCANCODE_UNK
 // Mouse buttons give their down and up messages. A key held when the overlay
 // starts taking events (a menu opened with the mouse) must not stay down: its
 // release still counts, without a message.
-TEST(SdlEvents, ButtonsGiveTheirMessagesAndKeysAreHeldUntilReleasedEvenWhenTheOverlayTakesTheRelease) {
+TEST(SdlEvents,
+     ButtonsGiveTheirMessagesAndKeysAreHeldUntilReleasedEvenWhenTheOverlayTakesTheRelease) {
   win32::script::Disable();
   ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
   while (Take().message != 0) {
   }
-  const struct { Uint8 button; UINT down, up; } buttons[] = {{SDL_BUTTON_LEFT, WM_LBUTTONDOWN, WM_LBUTTONUP},
-                                                             {SDL_BUTTON_RIGHT, WM_RBUTTONDOWN, WM_RBUTTONUP},
-                                                             {SDL_BUTTON_MIDDLE, WM_MBUTTONDOWN, WM_MBUTTONUP}};
+  const struct {
+    Uint8 button;
+    UINT down, up;
+  } buttons[] = {{SDL_BUTTON_LEFT, WM_LBUTTONDOWN, WM_LBUTTONUP},
+                 {SDL_BUTTON_RIGHT, WM_RBUTTONDOWN, WM_RBUTTONUP},
+                 {SDL_BUTTON_MIDDLE, WM_MBUTTONDOWN, WM_MBUTTONUP}};
   for (const auto& b : buttons) {
     Push(SDL_MOUSEBUTTONDOWN, b.button);
     Push(SDL_MOUSEBUTTONUP, b.button);
@@ -67,13 +81,42 @@ TEST(SdlEvents, ButtonsGiveTheirMessagesAndKeysAreHeldUntilReleasedEvenWhenTheOv
   EXPECT_EQ(msg.message, static_cast<UINT>(WM_KEYDOWN));
   EXPECT_EQ(msg.wParam, static_cast<WPARAM>(VK_SHIFT)) << "messages carry the generic shift";
   EXPECT_NE(GetKeyState(VK_SHIFT) & 0x8000, 0);
-  win32::SetEventHook([](const SDL_Event&, void*) { return true; }, nullptr);  // the overlay takes everything
+  win32::SetEventHook([](const SDL_Event&, void*) { return true; },
+                      nullptr);  // the overlay takes everything
   Push(SDL_KEYDOWN, SDLK_j, SDL_SCANCODE_J);
   Push(SDL_KEYUP, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
   EXPECT_EQ(Take().message, 0u);
   win32::SetEventHook(nullptr, nullptr);
   EXPECT_EQ(GetKeyState('J') & 0x8000, 0);
   EXPECT_EQ(GetKeyState(VK_SHIFT) & 0x8000, 0);
+  SDL_QuitSubSystem(SDL_INIT_EVENTS);
+}
+
+// GetKeyState follows the key messages as they are read, GetAsyncKeyState
+// the input: Shift+Enter tapped within one frame still finds Shift held at
+// the Enter's WM_KEYDOWN.
+TEST(SdlEvents, KeyStateFollowsTheMessagesAsTheyAreRead) {
+  win32::script::Disable();
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
+  Push(SDL_KEYDOWN, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
+  Push(SDL_KEYDOWN, SDLK_RETURN, SDL_SCANCODE_RETURN);
+  Push(SDL_KEYUP, SDLK_RETURN, SDL_SCANCODE_RETURN);
+  Push(SDL_KEYUP, SDLK_LSHIFT, SDL_SCANCODE_LSHIFT);
+  const struct {
+    WPARAM key;
+    UINT message;
+    bool shiftHeld;
+  } reads[] = {{VK_SHIFT, WM_KEYDOWN, true},
+               {VK_RETURN, WM_KEYDOWN, true},
+               {VK_RETURN, WM_KEYUP, true},
+               {VK_SHIFT, WM_KEYUP, false}};
+  for (const auto& r : reads) {
+    const MSG msg = Take();
+    EXPECT_EQ(msg.message, r.message);
+    EXPECT_EQ(msg.wParam, r.key);
+    EXPECT_EQ((GetKeyState(VK_SHIFT) & 0x8000) != 0, r.shiftHeld) << r.key << " " << r.message;
+    EXPECT_EQ(GetAsyncKeyState(VK_SHIFT) & 0x8000, 0) << "the input released it already";
+  }
   SDL_QuitSubSystem(SDL_INIT_EVENTS);
 }
 
@@ -84,15 +127,20 @@ TEST(SdlEvents, ACommandChosenByATakenEventRunsBeforeTheEventsBehindIt) {
   win32::script::Disable();
   ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_EVENTS), 0) << SDL_GetError();
   int dialogKeys = 0;
-  win32::SetEventHook([](const SDL_Event& e, void*) {
-    if (e.type == SDL_KEYDOWN) PostMessageA(nullptr, WM_COMMAND, 40009, 0);
-    return true;
-  }, nullptr);
+  win32::SetEventHook(
+      [](const SDL_Event& e, void*) {
+        if (e.type == SDL_KEYDOWN) PostMessageA(nullptr, WM_COMMAND, 40009, 0);
+        return true;
+      },
+      nullptr);
   Push(SDL_KEYDOWN, SDLK_c, SDL_SCANCODE_C);
   Push(SDL_KEYDOWN, SDLK_m, SDL_SCANCODE_M);
   EXPECT_EQ(Take().message, static_cast<UINT>(WM_COMMAND));
-  win32::SetEventHook([](const SDL_Event& e, void* keys) { return *static_cast<int*>(keys) += e.type == SDL_KEYDOWN, true; },
-                      &dialogKeys);
+  win32::SetEventHook(
+      [](const SDL_Event& e, void* keys) {
+        return *static_cast<int*>(keys) += e.type == SDL_KEYDOWN, true;
+      },
+      &dialogKeys);
   EXPECT_EQ(Take().message, 0u) << "the key behind the command chose one too";
   EXPECT_EQ(dialogKeys, 1);
   win32::SetEventHook(nullptr, nullptr);

@@ -309,8 +309,9 @@ namespace win32::detail {
 void DialogViewTurn(HWND dialog) {
   // Closing the window (or a request to end the process) answers Cancel.
   const auto& queue = GetState().queue;
-  const bool closing = std::any_of(queue.begin(), queue.end(),
-                                   [](const MSG& msg) { return msg.message == WM_CLOSE; });
+  const bool closing = std::any_of(queue.begin(), queue.end(), [](const Posted& posted) {
+    return posted.msg.message == WM_CLOSE;
+  });
   if (closing || !ImGui::GetCurrentContext()) {
     EndDialog(dialog, IDCANCEL);
     return;

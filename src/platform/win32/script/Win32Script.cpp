@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "platform/win32/Win32DialogState.h"
-#include "platform/win32/sdl/Win32SdlGamepad.h"
 #include "platform/win32/Win32State.h"
+#include "platform/win32/sdl/Win32SdlGamepad.h"
 
 namespace win32::detail {
 
@@ -244,6 +244,7 @@ void Enable(const Options& options) {
   state.quitCode = 0;
   state.capture = nullptr;
   for (BYTE& key : state.keys) key = 0;
+  for (BYTE& key : state.asyncKeys) key = 0;
   Script().Start(options);
   DialogCallback() = nullptr;
   state.source = &Script();

@@ -76,10 +76,12 @@ void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
   if (vk == 0) return;
   const bool down = event.type == SDL_KEYDOWN;
   if (down && taken) return;  // the overlay has the keyboard
-  const BYTE* keys = GetState().keys;
+  if (taken) {
+    SetKeyHeld(vk, false);
+    return;
+  }
+  const BYTE* keys = GetState().asyncKeys;
   const bool wasDown = (keys[vk] & 0x80) != 0;
-  SetKeyHeld(vk, down);
-  if (taken) return;
   const bool alt = (keys[VK_MENU] & 0x80) != 0;
   // Modifier keys report their generic code in messages, their sided code in
   // the table.
@@ -87,8 +89,8 @@ void KeyEvent(const SDL_KeyboardEvent& event, bool taken) {
   UINT message = down ? WM_KEYDOWN : WM_KEYUP;
   if (alt || messageKey == VK_MENU || messageKey == VK_F10)
     message = down ? WM_SYSKEYDOWN : WM_SYSKEYUP;
-  Post(HandleOrNull(WindowOfEvent(event.windowID)), message, messageKey,
-       KeyMessageLParam(down, wasDown, 0, IsExtendedKey(vk)));
+  PostKey(HandleOrNull(WindowOfEvent(event.windowID)), message, messageKey,
+          KeyMessageLParam(down, wasDown, 0, IsExtendedKey(vk)), {vk, down});
 }
 
 void ButtonEvent(const SDL_MouseButtonEvent& event, bool taken) {
@@ -171,7 +173,7 @@ class SdlBackEnd final : public Source {
     if (!SDL_WasInit(SDL_INIT_EVENTS)) return;
     Gamepad().Start();
     SDL_Event event;
-    std::deque<MSG>& queue = GetState().queue;
+    std::deque<Posted>& queue = GetState().queue;
     while (SDL_PollEvent(&event)) {
       const std::size_t before = queue.size();
       // A taken event makes no message of its own, so a message now is a
