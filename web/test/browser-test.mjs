@@ -3,7 +3,7 @@
 // goes: the start view (compared with the native program's picture of the
 // same start), the sound after the first key, walking and turning, Wireframe
 // through the menu by keyboard, the settings dialog cancelled, full screen
-// and back, and Exit. No
+// and back, Exit, and a second visit with a broken picture. No
 // error may reach the console on the way. Prints the page's measurements.
 //
 //   node browser-test.mjs --site DIR --capture BIN --assets DIR --out DIR
@@ -201,8 +201,22 @@ try {
     .then(() => true, () => false);
   check('Exit leaves the page that says so', ended);
   await page.screenshot({ path: join(out, 'web-ended.png') });
-  check('no error reached the console', errors.length === 0, errors.join(' | '));
 
+  // A broken picture ends the start (exit code 0) and is named, in the page.
+  const script = readFileSync(join(resolve(args.site), 'karvo-terrain.js'), 'utf8');
+  const [, from, to] = script.match(/"filename":"\/Data\/rain.png","start":(\d+),"end":(\d+)/).map(Number);
+  const broken = Buffer.from(readFileSync(join(resolve(args.site), 'karvo-terrain.data')));
+  broken.fill(0x5a, from, to);
+  await page.setRequestInterception(true);
+  page.on('request', (r) => (r.url().endsWith('.data')
+    ? r.respond({ status: 200, contentType: 'application/octet-stream', body: broken }) : r.continue()));
+  await page.goto(url, { waitUntil: 'load' });
+  const told = await page.waitForFunction(() => !document.getElementById('ended').hidden, { timeout: 60000 })
+    .then(() => page.$eval('#ended-text', (e) => e.textContent), () => '');
+  check('a broken picture ends the program, named in the page', /Data\/rain.png: it is not a JPEG or PNG picture/.test(told),
+    told.replace(/\n/g, ' / '));
+
+  check('no error reached the console', errors.length === 0, errors.join(' | '));
   console.log(`measured: first frame ${Math.round(firstFrame)} ms after the page began loading ` +
     `(${Date.now() - started} ms test so far); ${fps.toFixed(1)} frames per second at the start view`);
 } finally {
