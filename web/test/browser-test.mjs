@@ -3,8 +3,9 @@
 // goes: the start view (compared with the native program's picture of the
 // same start), the sound after the first key, walking and turning, Wireframe
 // through the menu by keyboard, the settings dialog cancelled, full screen
-// and back, Exit; then a second visit with a broken picture. No error may
-// reach the console on the way. Prints the page's measurements.
+// and back, Exit; then a visit with a broken picture, and one from a browser
+// without WebGL2. No error may reach the console on the way. Prints the
+// page's measurements.
 //
 //   node browser-test.mjs --site DIR --capture BIN --assets DIR --out DIR
 import { execFileSync } from 'node:child_process';
@@ -163,6 +164,14 @@ try {
   const told = await page.$eval('#ended-text', (e) => e.textContent);
   check('a broken picture ends the program, named in the page', told.includes('Data/rain.png: it is not a JPEG or PNG picture'),
     told.replace(/\n/g, ' / '));
+
+  // A browser without WebGL2 is told so, in the page.
+  await page.evaluateOnNewDocument(() => {
+    const get = HTMLCanvasElement.prototype.getContext;
+    HTMLCanvasElement.prototype.getContext = function (kind, ...a) { return kind === 'webgl2' ? null : get.call(this, kind, ...a); };
+  });
+  await page.goto(url, { waitUntil: 'load' });
+  check('without WebGL2 the page says so', await page.$eval('#message', (e) => !e.hidden && /WebGL 2/.test(e.textContent)));
 
   check('no error reached the console', errors.length === 0, errors.join(' | '));
   console.log(`measured: first frame ${Math.round(firstFrame)} ms after the page began loading; ` +
