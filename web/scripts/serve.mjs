@@ -24,11 +24,20 @@ export function serve(folder, port) {
       response.end('not found');
     }
   });
-  return new Promise((resolve) => server.listen(port, '127.0.0.1', () => resolve(server)));
+  return new Promise((resolve, reject) => {
+    server.once('error', reject);
+    server.listen(port, '127.0.0.1', () => resolve(server));
+  });
 }
 
 if (process.argv[1] && process.argv[1].endsWith('serve.mjs')) {
   const [folder, port = '8080'] = process.argv.slice(2);
-  const server = await serve(folder, Number(port));
-  console.log(`Karvo Terrain is at http://127.0.0.1:${server.address().port}/  (Ctrl+C ends)`);
+  try {
+    const server = await serve(folder, Number(port));
+    console.log(`Karvo Terrain is at http://127.0.0.1:${server.address().port}/  (Ctrl+C ends)`);
+  } catch (error) {
+    console.error(error.code === 'EADDRINUSE' ? `port ${port} is in use: choose another, e.g. PORT=8081 ./web.sh`
+                                              : `cannot serve on port ${port}: ${error.message}`);
+    process.exit(1);
+  }
 }
