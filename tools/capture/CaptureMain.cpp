@@ -43,11 +43,8 @@ void ReExecUnderXvfb(int argc, char** argv) {
   const char* display = std::getenv("DISPLAY");
   const char* wayland = std::getenv("WAYLAND_DISPLAY");
   const char* driver = std::getenv("SDL_VIDEODRIVER");
-  const bool offscreen =
-      driver && std::string(driver) == "offscreen";  // EGL without any display server
-  if ((display && *display) || (wayland && *wayland) || offscreen ||
-      std::getenv("KARVO_CAPTURE_XVFB"))
-    return;
+  const bool offscreen = driver && std::string(driver) == "offscreen";  // EGL without any display server
+  if ((display && *display) || (wayland && *wayland) || offscreen || std::getenv("KARVO_CAPTURE_XVFB")) return;
   setenv("KARVO_CAPTURE_XVFB", "1", 1);
   std::string self = "/proc/self/exe";
   std::error_code error;
@@ -152,16 +149,14 @@ void OnFrameBoundary(std::uint32_t scriptFrame) {
   // The world stands once script frame 0 is about to run; the changes of the
   // options go in before the frame they name is drawn.
   if (scriptFrame == 0 && options.place) {
-    g_App.m_player.SetPosition(
-        D3DXVECTOR3(options.placeAt[0], options.placeAt[1], options.placeAt[2]));
+    g_App.m_player.SetPosition(D3DXVECTOR3(options.placeAt[0], options.placeAt[1], options.placeAt[2]));
     g_App.m_player.SetVelocity(D3DXVECTOR3(0.0f, 0.0f, 0.0f));
   }
   if (scriptFrame == 0 && options.look) {
     CPlayer& player = g_App.m_player;
     player.Rotate(options.lookAt[1] - player.GetPitch(), options.lookAt[0] - player.GetYaw(), 0.0f);
   }
-  if (options.rainOffFrame != 0 && scriptFrame + 1 == options.rainOffFrame)
-    g_App.m_terrain.m_rainEnabled = false;
+  if (options.rainOffFrame != 0 && scriptFrame + 1 == options.rainOffFrame) g_App.m_terrain.m_rainEnabled = false;
   const std::vector<std::uint32_t>& frames = s_run.options->frames;
   while (s_run.next < frames.size() && frames[s_run.next] < scriptFrame) ++s_run.next;
   if (s_run.next < frames.size() && frames[s_run.next] == scriptFrame) {
@@ -219,9 +214,7 @@ int main(int argc, char** argv) {
   // A folder with a broken or missing asset is still run: the program's own
   // outcome for it is what a user of this tool wants to see.
   if (!std::filesystem::is_directory("Data")) {
-    std::fprintf(
-        stderr,
-        "karvo-capture: no Data folder here; run inside the assets folder or give --assets\n");
+    std::fprintf(stderr, "karvo-capture: no Data folder here; run inside the assets folder or give --assets\n");
     return 2;
   }
 
@@ -256,7 +249,7 @@ int main(int argc, char** argv) {
                  missing, options.frames.size(), exitCode);
     return 1;
   }
-  std::fprintf(stderr, "karvo-capture: %d frame%s written to %s\n", s_run.written,
-               s_run.written == 1 ? "" : "s", outDir.c_str());
+  std::fprintf(stderr, "karvo-capture: %d frame%s written to %s\n", s_run.written, s_run.written == 1 ? "" : "s",
+               outDir.c_str());
   return exitCode;
 }

@@ -21,6 +21,21 @@
 
 namespace d3d9gl {
 
+// The three corners of triangle `i` of a list, strip or fan, as positions in
+// the call's vertex order; odd strip triangles swap their first two, which
+// keeps every triangle's winding.
+inline void TriangleCorners(D3DPRIMITIVETYPE type, std::uint32_t i, std::uint32_t (&c)[3]) {
+  if (type == D3DPT_TRIANGLELIST) {
+    c[0] = 3 * i, c[1] = 3 * i + 1, c[2] = 3 * i + 2;
+  } else if (type == D3DPT_TRIANGLEFAN) {
+    c[0] = 0, c[1] = i + 1, c[2] = i + 2;
+  } else if (i % 2 == 0) {
+    c[0] = i, c[1] = i + 1, c[2] = i + 2;
+  } else {
+    c[0] = i + 1, c[1] = i, c[2] = i + 2;
+  }
+}
+
 constexpr int kRenderStates = 256;
 constexpr int kStages = 8;     // stages the device records (the first two are drawn)
 constexpr int kSamplers = 16;  // samplers the device records

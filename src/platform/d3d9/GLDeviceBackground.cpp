@@ -26,8 +26,7 @@ bool GLDevice::WritesDepth() const {
          state_.rs[D3DRS_ZWRITEENABLE] != 0;
 }
 
-void GLDevice::HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex,
-                              UINT primCount) {
+void GLDevice::HoldBackground(D3DPRIMITIVETYPE type, INT baseVertex, UINT startIndex, UINT primCount) {
   auto held = std::make_unique<HeldDraw>(HeldDraw{state_, type, baseVertex, startIndex, primCount});
   for (IDirect3DBaseTexture9* t : held->state.textures)
     if (t) t->AddRef();

@@ -80,10 +80,8 @@ GLenum BlendFactor(DWORD b) {
       return GL_DST_ALPHA;
     case D3DBLEND_INVDESTALPHA:
       return GL_ONE_MINUS_DST_ALPHA;
-    case D3DBLEND_DESTCOLOR:
-      return GL_DST_COLOR;
-    case D3DBLEND_INVDESTCOLOR:
-      return GL_ONE_MINUS_DST_COLOR;
+    case D3DBLEND_DESTCOLOR: return GL_DST_COLOR;
+    case D3DBLEND_INVDESTCOLOR: return GL_ONE_MINUS_DST_COLOR;
     default:
       return GL_ONE;
   }
@@ -468,15 +466,7 @@ HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primCount, const v
   std::uint32_t base = b.vertexCount;
   for (UINT i = 0; i < primCount; ++i) {
     std::uint32_t t[3];
-    if (type == D3DPT_TRIANGLELIST) {
-      t[0] = 3 * i, t[1] = 3 * i + 1, t[2] = 3 * i + 2;
-    } else if (type == D3DPT_TRIANGLEFAN) {
-      t[0] = 0, t[1] = i + 1, t[2] = i + 2;
-    } else if (i % 2 == 0) {
-      t[0] = i, t[1] = i + 1, t[2] = i + 2;
-    } else {  // odd strip triangles swap their first two to keep the winding
-      t[0] = i + 1, t[1] = i, t[2] = i + 2;
-    }
+    TriangleCorners(type, i, t);
     for (std::uint32_t v : t) b.indices.push_back(std::uint16_t(base + v));
   }
   b.vertexCount += n;

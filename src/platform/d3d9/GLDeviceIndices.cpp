@@ -9,21 +9,6 @@ namespace d3d9gl {
 
 namespace {
 
-// The three corners of triangle `i` of a list, strip or fan, as positions in
-// the call's vertex order; odd strip triangles swap their first two, which
-// keeps every triangle's winding.
-void Corners(D3DPRIMITIVETYPE type, UINT i, UINT (&c)[3]) {
-  if (type == D3DPT_TRIANGLELIST) {
-    c[0] = 3 * i, c[1] = 3 * i + 1, c[2] = 3 * i + 2;
-  } else if (type == D3DPT_TRIANGLEFAN) {
-    c[0] = 0, c[1] = i + 1, c[2] = i + 2;
-  } else if (i % 2 == 0) {
-    c[0] = i, c[1] = i + 1, c[2] = i + 2;
-  } else {
-    c[0] = i + 1, c[1] = i, c[2] = i + 2;
-  }
-}
-
 struct ScreenPoint {
   float x, y;
   bool known;  // false behind the eye, where the winding cannot be told
@@ -55,8 +40,8 @@ void GLDevice::DrawEdges(D3DPRIMITIVETYPE type, UINT primCount,
   std::vector<std::uint32_t> lines;
   lines.reserve(std::size_t(primCount) * 6);
   for (UINT i = 0; i < primCount; ++i) {
-    UINT c[3];
-    Corners(type, i, c);
+    std::uint32_t c[3];
+    TriangleCorners(type, i, c);
     const std::uint32_t a = numbers[c[0]], b = numbers[c[1]], d = numbers[c[2]];
     if (cull == D3DCULL_CW || cull == D3DCULL_CCW) {
       const ScreenPoint pa = screen(a), pb = screen(b), pd = screen(d);

@@ -4,18 +4,17 @@
 
 namespace d3d9gl {
 
-HRESULT GLDevice::CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format,
-                                D3DPOOL pool, IDirect3DTexture9** out, HANDLE* shared) {
+HRESULT GLDevice::CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
+                                IDirect3DTexture9** out, HANDLE* shared) {
   if (out == nullptr) return D3DERR_INVALIDCALL;
   *out = nullptr;
   // Shared handles, render-target and depth textures are not part of this layer.
-  if (shared != nullptr || w == 0 || h == 0 ||
-      (usage & (D3DUSAGE_RENDERTARGET | D3DUSAGE_DEPTHSTENCIL)) || pool > D3DPOOL_SCRATCH)
+  if (shared != nullptr || w == 0 || h == 0 || (usage & (D3DUSAGE_RENDERTARGET | D3DUSAGE_DEPTHSTENCIL)) ||
+      pool > D3DPOOL_SCRATCH)
     return D3DERR_INVALIDCALL;
   const TextureFormat* f = FindTextureFormat(format);
   if (f == nullptr) return D3DERR_INVALIDCALL;
-  if (GLint(w) > Limits().maxTextureSize || GLint(h) > Limits().maxTextureSize)
-    return D3DERR_INVALIDCALL;
+  if (GLint(w) > Limits().maxTextureSize || GLint(h) > Limits().maxTextureSize) return D3DERR_INVALIDCALL;
   UINT full = FullMipLevels(w, h);
   if (levels == 0 || levels > full) levels = full;
   auto* t = new GLTexture(core_, w, h, levels, usage, *f, pool);
@@ -27,8 +26,8 @@ HRESULT GLDevice::CreateTexture(UINT w, UINT h, UINT levels, DWORD usage, D3DFOR
   return D3D_OK;
 }
 
-HRESULT GLDevice::CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool,
-                                     IDirect3DVertexBuffer9** out, HANDLE* shared) {
+HRESULT GLDevice::CreateVertexBuffer(UINT length, DWORD usage, DWORD fvf, D3DPOOL pool, IDirect3DVertexBuffer9** out,
+                                     HANDLE* shared) {
   if (out == nullptr) return D3DERR_INVALIDCALL;
   *out = nullptr;
   if (shared != nullptr || length == 0 || pool > D3DPOOL_SCRATCH) return D3DERR_INVALIDCALL;

@@ -15,9 +15,7 @@ D3DMATRIX Identity() {
   return m;
 }
 
-bool SameMatrix(const D3DMATRIX& a, const D3DMATRIX& b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
+bool SameMatrix(const D3DMATRIX& a, const D3DMATRIX& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // Render states that decide GL fixed-function state (blend, depth, cull, fill,
 // dither); the others that matter change the generated program.
@@ -31,10 +29,8 @@ bool IsFixedState(DWORD s) {
     case D3DRS_CULLMODE:
     case D3DRS_ZFUNC:
     case D3DRS_DITHERENABLE:
-    case D3DRS_ALPHABLENDENABLE:
-      return true;
-    default:
-      return false;
+    case D3DRS_ALPHABLENDENABLE: return true;
+    default: return false;
   }
 }
 
@@ -160,8 +156,7 @@ HRESULT GLDevice::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE typ
 }
 
 HRESULT GLDevice::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
-  if (sampler >= DWORD(kSamplers) || DWORD(type) >= DWORD(kSamplerStates))
-    return D3DERR_INVALIDCALL;
+  if (sampler >= DWORD(kSamplers) || DWORD(type) >= DWORD(kSamplerStates)) return D3DERR_INVALIDCALL;
   if (state_.ss[sampler][type] == value) return D3D_OK;
   Touch();
   state_.ss[sampler][type] = value;
@@ -176,8 +171,7 @@ HRESULT GLDevice::SetFVF(DWORD fvf) {
   return D3D_OK;
 }
 
-HRESULT GLDevice::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset,
-                                  UINT stride) {
+HRESULT GLDevice::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* vb, UINT offset, UINT stride) {
   if (stream != 0) return D3DERR_INVALIDCALL;  // one stream: the fixed function reads stream 0
   auto* gl = static_cast<GLVertexBuffer*>(nullptr);
   if (vb != nullptr) {

@@ -31,8 +31,7 @@ class IDirect3DTexture9 : public IDirect3DBaseTexture9 {
  public:
   virtual HRESULT GetLevelDesc(UINT Level, D3DSURFACE_DESC* pDesc) = 0;
   // pRect may be null (the whole level).
-  virtual HRESULT LockRect(UINT Level, D3DLOCKED_RECT* pLockedRect, const RECT* pRect,
-                           DWORD Flags) = 0;
+  virtual HRESULT LockRect(UINT Level, D3DLOCKED_RECT* pLockedRect, const RECT* pRect, DWORD Flags) = 0;
   virtual HRESULT UnlockRect(UINT Level) = 0;
 };
 
@@ -75,14 +74,11 @@ class IDirect3DDevice9 {
                           const void* pDirtyRegion) = 0;
 
   virtual HRESULT CreateTexture(UINT Width, UINT Height, UINT Levels, DWORD Usage, D3DFORMAT Format,
-                                D3DPOOL Pool, IDirect3DTexture9** ppTexture,
-                                HANDLE* pSharedHandle) = 0;
+                                D3DPOOL Pool, IDirect3DTexture9** ppTexture, HANDLE* pSharedHandle) = 0;
   virtual HRESULT CreateVertexBuffer(UINT Length, DWORD Usage, DWORD FVF, D3DPOOL Pool,
-                                     IDirect3DVertexBuffer9** ppVertexBuffer,
-                                     HANDLE* pSharedHandle) = 0;
+                                     IDirect3DVertexBuffer9** ppVertexBuffer, HANDLE* pSharedHandle) = 0;
   virtual HRESULT CreateIndexBuffer(UINT Length, DWORD Usage, D3DFORMAT Format, D3DPOOL Pool,
-                                    IDirect3DIndexBuffer9** ppIndexBuffer,
-                                    HANDLE* pSharedHandle) = 0;
+                                    IDirect3DIndexBuffer9** ppIndexBuffer, HANDLE* pSharedHandle) = 0;
 
   virtual HRESULT BeginScene() = 0;
   virtual HRESULT EndScene() = 0;
@@ -108,8 +104,7 @@ class IDirect3DDevice9 {
                                        UINT MinVertexIndex, UINT NumVertices, UINT startIndex,
                                        UINT primCount) = 0;
   virtual HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE PrimitiveType, UINT PrimitiveCount,
-                                  const void* pVertexStreamZeroData,
-                                  UINT VertexStreamZeroStride) = 0;
+                                  const void* pVertexStreamZeroData, UINT VertexStreamZeroStride) = 0;
 
  protected:
   virtual ~IDirect3DDevice9() = default;
@@ -122,27 +117,23 @@ class IDirect3D9 {
   virtual ULONG Release() = 0;
 
   virtual UINT GetAdapterCount() = 0;
-  virtual HRESULT GetAdapterIdentifier(UINT Adapter, DWORD Flags,
-                                       D3DADAPTER_IDENTIFIER9* pIdentifier) = 0;
+  virtual HRESULT GetAdapterIdentifier(UINT Adapter, DWORD Flags, D3DADAPTER_IDENTIFIER9* pIdentifier) = 0;
   virtual UINT GetAdapterModeCount(UINT Adapter, D3DFORMAT Format) = 0;
-  virtual HRESULT EnumAdapterModes(UINT Adapter, D3DFORMAT Format, UINT Mode,
-                                   D3DDISPLAYMODE* pMode) = 0;
+  virtual HRESULT EnumAdapterModes(UINT Adapter, D3DFORMAT Format, UINT Mode, D3DDISPLAYMODE* pMode) = 0;
   virtual HRESULT GetAdapterDisplayMode(UINT Adapter, D3DDISPLAYMODE* pMode) = 0;
   virtual HRESULT CheckDeviceType(UINT Adapter, D3DDEVTYPE DevType, D3DFORMAT AdapterFormat,
                                   D3DFORMAT BackBufferFormat, BOOL bWindowed) = 0;
-  virtual HRESULT CheckDeviceFormat(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT AdapterFormat,
-                                    DWORD Usage, D3DRESOURCETYPE RType, D3DFORMAT CheckFormat) = 0;
+  virtual HRESULT CheckDeviceFormat(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT AdapterFormat, DWORD Usage,
+                                    D3DRESOURCETYPE RType, D3DFORMAT CheckFormat) = 0;
   // pQualityLevels may be null.
-  virtual HRESULT CheckDeviceMultiSampleType(UINT Adapter, D3DDEVTYPE DeviceType,
-                                             D3DFORMAT SurfaceFormat, BOOL Windowed,
-                                             D3DMULTISAMPLE_TYPE MultiSampleType,
+  virtual HRESULT CheckDeviceMultiSampleType(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT SurfaceFormat,
+                                             BOOL Windowed, D3DMULTISAMPLE_TYPE MultiSampleType,
                                              DWORD* pQualityLevels) = 0;
-  virtual HRESULT CheckDepthStencilMatch(UINT Adapter, D3DDEVTYPE DeviceType,
-                                         D3DFORMAT AdapterFormat, D3DFORMAT RenderTargetFormat,
-                                         D3DFORMAT DepthStencilFormat) = 0;
+  virtual HRESULT CheckDepthStencilMatch(UINT Adapter, D3DDEVTYPE DeviceType, D3DFORMAT AdapterFormat,
+                                         D3DFORMAT RenderTargetFormat, D3DFORMAT DepthStencilFormat) = 0;
   virtual HRESULT GetDeviceCaps(UINT Adapter, D3DDEVTYPE DeviceType, D3DCAPS9* pCaps) = 0;
-  virtual HRESULT CreateDevice(UINT Adapter, D3DDEVTYPE DeviceType, HWND hFocusWindow,
-                               DWORD BehaviorFlags, D3DPRESENT_PARAMETERS* pPresentationParameters,
+  virtual HRESULT CreateDevice(UINT Adapter, D3DDEVTYPE DeviceType, HWND hFocusWindow, DWORD BehaviorFlags,
+                               D3DPRESENT_PARAMETERS* pPresentationParameters,
                                IDirect3DDevice9** ppReturnedDeviceInterface) = 0;
 
  protected:

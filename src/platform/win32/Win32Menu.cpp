@@ -53,9 +53,7 @@ std::set<HMENU>& LiveMenus() {
 HICON__ s_applicationIcon{0, 0, {}, true};
 HICON__ s_arrowCursor{0, 0, {}, true};
 
-bool IsModule(HINSTANCE hInstance) {
-  return hInstance && hInstance == GetModuleHandleA(nullptr);
-}
+bool IsModule(HINSTANCE hInstance) { return hInstance && hInstance == GetModuleHandleA(nullptr); }
 
 // Builds the menu of entries[pos..] up to the End that closes it.
 HMENU BuildMenu(const std::vector<StoredEntry>& entries, std::size_t& pos) {
@@ -147,9 +145,7 @@ bool RegisterIconResource(UINT id, const IconImage& image) {
 
 namespace win32::detail {
 
-bool IsMenu(HMENU hMenu) {
-  return hMenu && LiveMenus().count(hMenu) != 0;
-}
+bool IsMenu(HMENU hMenu) { return hMenu && LiveMenus().count(hMenu) != 0; }
 
 }  // namespace win32::detail
 

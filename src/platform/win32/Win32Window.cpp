@@ -23,9 +23,7 @@ constexpr int kDefaultY = 100;
 constexpr int kDefaultWidth = 640;
 constexpr int kDefaultHeight = 480;
 
-bool IsVisible(const Window& window) {
-  return (window.style & WS_VISIBLE) != 0;
-}
+bool IsVisible(const Window& window) { return (window.style & WS_VISIBLE) != 0; }
 
 // Marks the window visible; true when it was hidden before.
 bool MakeVisible(Window& window) {
@@ -174,9 +172,7 @@ BOOL DestroyWindow(HWND hWnd) {
   return TRUE;
 }
 
-BOOL IsWindow(HWND hWnd) {
-  return FromHandle(hWnd) ? TRUE : FALSE;
-}
+BOOL IsWindow(HWND hWnd) { return FromHandle(hWnd) ? TRUE : FALSE; }
 
 BOOL ShowWindow(HWND hWnd, int nCmdShow) {
   Window* window = FromHandle(hWnd);
@@ -222,9 +218,7 @@ BOOL IsIconic(HWND hWnd) {
   return window && window->minimized ? TRUE : FALSE;
 }
 
-BOOL UpdateWindow(HWND hWnd) {
-  return IsWindow(hWnd);
-}
+BOOL UpdateWindow(HWND hWnd) { return IsWindow(hWnd); }
 
 BOOL SetWindowTextA(HWND hWnd, LPCSTR lpString) {
   Window* window = FromHandle(hWnd);
@@ -237,7 +231,8 @@ BOOL SetWindowTextA(HWND hWnd, LPCSTR lpString) {
 int GetWindowTextA(HWND hWnd, LPSTR lpString, int nMaxCount) {
   Window* window = FromHandle(hWnd);
   if (!window || !lpString || nMaxCount <= 0) return 0;
-  const std::size_t count = std::min(window->title.size(), static_cast<std::size_t>(nMaxCount - 1));
+  const std::size_t count =
+      std::min(window->title.size(), static_cast<std::size_t>(nMaxCount - 1));
   std::memcpy(lpString, window->title.data(), count);
   lpString[count] = '\0';
   return static_cast<int>(count);
@@ -349,8 +344,7 @@ BOOL SetWindowPos(HWND hWnd, HWND, int X, int Y, int cx, int cy, UINT uFlags) {
     rect.right = rect.left + std::max(0, cx);
     rect.bottom = rect.top + std::max(0, cy);
   }
-  if (window->sdl && !(uFlags & SWP_NOMOVE && uFlags & SWP_NOSIZE))
-    SdlSetGeometry(window->sdl, rect);
+  if (window->sdl && !(uFlags & SWP_NOMOVE && uFlags & SWP_NOSIZE)) SdlSetGeometry(window->sdl, rect);
 
   bool shownNow = false;
   if (uFlags & SWP_SHOWWINDOW) shownNow = MakeVisible(*window);

@@ -23,8 +23,7 @@ DisplayScale s_current;
 float XftDpi(const char* resources) {
   constexpr char kKey[] = "Xft.dpi:";
   for (const char* line = resources; line && *line;) {
-    if (std::strncmp(line, kKey, sizeof kKey - 1) == 0)
-      return std::strtof(line + sizeof kKey - 1, nullptr);
+    if (std::strncmp(line, kKey, sizeof kKey - 1) == 0) return std::strtof(line + sizeof kKey - 1, nullptr);
     line = std::strchr(line, '\n');
     if (line) ++line;
   }
@@ -50,8 +49,7 @@ struct XResources {
     library = SDL_LoadObject("libX11.so.6");
     if (!library) return;
     auto open = reinterpret_cast<void* (*)(const char*)>(SDL_LoadFunction(library, "XOpenDisplay"));
-    auto read =
-        reinterpret_cast<char* (*)(void*)>(SDL_LoadFunction(library, "XResourceManagerString"));
+    auto read = reinterpret_cast<char* (*)(void*)>(SDL_LoadFunction(library, "XResourceManagerString"));
     close = reinterpret_cast<int (*)(void*)>(SDL_LoadFunction(library, "XCloseDisplay"));
     if (!open || !read || !close) return;
     display = open(nullptr);
@@ -90,17 +88,11 @@ DisplayScale QueryDisplayScale(SDL_Window* window) {
   return ScaleFrom(resources.text, std::getenv("GDK_SCALE"), width, drawableWidth);
 }
 
-void SetDisplayScale(const DisplayScale& scale) {
-  s_current = scale;
-}
+void SetDisplayScale(const DisplayScale& scale) { s_current = scale; }
 
-const DisplayScale& CurrentDisplayScale() {
-  return s_current;
-}
+const DisplayScale& CurrentDisplayScale() { return s_current; }
 
-float UiFontPixels(const DisplayScale& scale) {
-  return kFontPixels * scale.ui;
-}
+float UiFontPixels(const DisplayScale& scale) { return kFontPixels * scale.ui; }
 
 int MenuBarHeightFor(const DisplayScale& scale) {
   return static_cast<int>(UiFontPixels(scale) + 2.0f * kFramePadding * scale.ui);

@@ -22,17 +22,20 @@ struct Binding {
 };
 
 constexpr Binding kBindings[] = {
-    {VK_UP, SDL_CONTROLLER_AXIS_LEFTY, -1, -1},    {VK_DOWN, SDL_CONTROLLER_AXIS_LEFTY, +1, -1},
-    {'Z', SDL_CONTROLLER_AXIS_LEFTX, -1, -1},      {'X', SDL_CONTROLLER_AXIS_LEFTX, +1, -1},
-    {VK_LEFT, SDL_CONTROLLER_AXIS_RIGHTX, -1, -1}, {VK_RIGHT, SDL_CONTROLLER_AXIS_RIGHTX, +1, -1},
+    {VK_UP, SDL_CONTROLLER_AXIS_LEFTY, -1, -1},
+    {VK_DOWN, SDL_CONTROLLER_AXIS_LEFTY, +1, -1},
+    {'Z', SDL_CONTROLLER_AXIS_LEFTX, -1, -1},
+    {'X', SDL_CONTROLLER_AXIS_LEFTX, +1, -1},
+    {VK_LEFT, SDL_CONTROLLER_AXIS_RIGHTX, -1, -1},
+    {VK_RIGHT, SDL_CONTROLLER_AXIS_RIGHTX, +1, -1},
     {'Q', SDL_CONTROLLER_AXIS_RIGHTY, -1, -1},  // stick up looks up
-    {'A', SDL_CONTROLLER_AXIS_RIGHTY, +1, -1},     {'J', -1, 0, SDL_CONTROLLER_BUTTON_A},
-    {'S', -1, 0, SDL_CONTROLLER_BUTTON_B},         {'T', -1, 0, SDL_CONTROLLER_BUTTON_Y},
+    {'A', SDL_CONTROLLER_AXIS_RIGHTY, +1, -1},
+    {'J', -1, 0, SDL_CONTROLLER_BUTTON_A},
+    {'S', -1, 0, SDL_CONTROLLER_BUTTON_B},
+    {'T', -1, 0, SDL_CONTROLLER_BUTTON_Y},
 };
 
-constexpr std::uint32_t Bit(std::size_t row) {
-  return std::uint32_t{1} << row;
-}
+constexpr std::uint32_t Bit(std::size_t row) { return std::uint32_t{1} << row; }
 
 // A key going down or up as the keyboard would report it.
 void PressKey(BYTE vk, bool down) {
@@ -71,8 +74,7 @@ bool SdlGamepad::Handle(const SDL_Event& event, LONGLONG now) {
       for (std::size_t row = 0; row < std::size(kBindings); ++row) {
         const Binding& b = kBindings[row];
         if (b.axis != event.caxis.axis) continue;
-        const bool past =
-            b.sign < 0 ? event.caxis.value < -kDeadZone : event.caxis.value > kDeadZone;
+        const bool past = b.sign < 0 ? event.caxis.value < -kDeadZone : event.caxis.value > kDeadZone;
         held = past ? held | Bit(row) : held & ~Bit(row);
       }
       SetHeld(pad, held);
@@ -90,8 +92,7 @@ bool SdlGamepad::Handle(const SDL_Event& event, LONGLONG now) {
       }
       std::uint32_t held = pad.held;
       for (std::size_t row = 0; row < std::size(kBindings); ++row) {
-        if (kBindings[row].button == event.cbutton.button)
-          held = down ? held | Bit(row) : held & ~Bit(row);
+        if (kBindings[row].button == event.cbutton.button) held = down ? held | Bit(row) : held & ~Bit(row);
       }
       SetHeld(pad, held);
       return true;

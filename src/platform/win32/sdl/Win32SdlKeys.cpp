@@ -88,9 +88,9 @@ constexpr KeyRow kKeys[] = {
 };
 
 // Keys that the platform marks as extended (bit 24 of a key message's lParam).
-constexpr BYTE kExtended[] = {VK_PRIOR,    VK_NEXT,  VK_END,    VK_HOME,   VK_LEFT,   VK_UP,
-                              VK_RIGHT,    VK_DOWN,  VK_INSERT, VK_DELETE, VK_DIVIDE, VK_NUMLOCK,
-                              VK_RCONTROL, VK_RMENU, VK_LWIN,   VK_RWIN,   VK_APPS,   VK_SNAPSHOT};
+constexpr BYTE kExtended[] = {VK_PRIOR,  VK_NEXT, VK_END,    VK_HOME,  VK_LEFT,   VK_UP,
+                              VK_RIGHT,  VK_DOWN, VK_INSERT, VK_DELETE, VK_DIVIDE, VK_NUMLOCK,
+                              VK_RCONTROL, VK_RMENU, VK_LWIN, VK_RWIN,  VK_APPS,   VK_SNAPSHOT};
 
 }  // namespace
 
